@@ -1,0 +1,118 @@
+// Vexil - exact integer optimization on lattices.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "foundation/failure.h"
+
+namespace vexil {
+
+/// Doubly linked list that owns copies of its elements and refuses equal ones. E needs `==`.
+template <typename E>
+class Set {
+ public:
+  struct Node {
+    E element;
+    Node* prev = nullptr;
+    Node* next = nullptr;
+  };
+
+  Node* head = nullptr;       ///< first node, null when empty
+  Node* tail = nullptr;       ///< last node, null when empty
+  std::int64_t capacity = 0;  ///< greatest count; 0: unbounded
+  std::int64_t count = 0;     ///< number of nodes
+
+  Set() = default;
+  Set(const Set& other) { copyNodes(other); }
+  Set& operator=(const Set& other) {
+    if (this != &other) {
+      clear();
+      copyNodes(other);
+    }
+    return *this;
+  }
+  virtual ~Set() { clear(); }
+
+  /// Appends a copy of `element` and returns true; false for a set that is full or holds an equal
+  /// one.
+  virtual bool insert(const E& element) {
+    if (capacity != 0 && count == capacity) return false;
+    for (const Node* p = head; p != nullptr; p = p->next) {
+      if (p->element == element) return false;
+    }
+    append(element);
+    return true;
+  }
+
+  /// Links a copy of `element` directly before `before`, or behind the last node for null. Fatal:
+  /// "Set: before_element is not in the given set!" for a first node that is not `head`.
+  Node* insertBefore(const E& element, Node* before) {
+    if (before != nullptr && before->prev == nullptr && before != head) {
+      fail("Set: before_element is not in the given set!");
+    }
+    Node* const previous = before == nullptr ? tail : before->prev;
+    Node* const node = allocate(element, previous, before);
+    (previous == nullptr ? head : previous->next) = node;
+    (before == nullptr ? tail : before->prev) = node;
+    ++count;
+    return node;
+  }
+
+  /// Links a copy of `element` behind the last node.
+  Node* append(const E& element) { return insertBefore(element, nullptr); }
+
+  /// Frees the first node, if there is one.
+  void removeFirst() {
+    if (head == nullptr) return;
+    Node* const first = head;
+    head = first->next;
+    (head == nullptr ? tail : head->prev) = nullptr;
+    --count;
+    release(first);
+  }
+
+  void clear() {
+    while (head != nullptr) removeFirst();
+  }
+
+  void setCapacity(std::int64_t limit) { capacity = limit; }
+
+ private:
+  [[nodiscard]] static Node* allocate(const E& element, Node* previous, Node* following) {
+    return std::make_unique<Node>(Node{element, previous, following}).release();
+  }
+
+  static void release(Node* node) { std::unique_ptr<Node>{node}.reset(); }
+
+  void copyNodes(const Set& other) {
+    capacity = other.capacity;
+    for (const Node* p = other.head; p != nullptr; p = p->next) append(p->element);
+  }
+};
+
+/// Set in the order from the worst element at `head` to the best at `tail`; `a < b` on elements
+/// means that a is better than b. A full set drops its worst element.
+template <typename E>
+class SortedSet : public Set<E> {
+ public:
+  using Node = typename Set<E>::Node;
+
+  /// Links a copy behind all worse elements and before the first better one. Returns false for an
+  /// element that equals one on the way there, or that would be dropped as the worst of a full set.
+  bool insert(const E& element) override {
+    if (this->head == nullptr) return Set<E>::insert(element);
+    Node* better = this->head;
+    for (; better != nullptr; better = better->next) {
+      if (better->element == element) return false;
+      if (better->element < element) break;
+    }
+    const Node* const inserted = this->insertBefore(element, better);
+    if (this->capacity == 0 || this->count <= this->capacity) return true;
+    const bool insertedIsWorst = this->head == inserted;
+    this->removeFirst();
+    return !insertedIsWorst;
+  }
+};
+
+}  // namespace vexil

@@ -1,0 +1,171 @@
+// Vexil - exact integer optimization on lattices.
+#pragma once
+
+#include <vector>
+
+#include "foundation/text_streams.h"
+#include "foundation/vector.h"
+
+namespace vexil {
+
+namespace detail {
+
+/// Takes "inf" behind a sign, whose "i" is next.
+inline void takeInfinityWord(std::istream& in) {
+  in.get();
+  if (!nextIs(in, 'n')) fail("Vector: bad input2");
+  in.get();
+  if (!nextIs(in, 'f')) fail("Vector: bad input3");
+  in.get();
+}
+
+/// The next number of a vector's text.
+template <typename T>
+T readElement(std::istream& in) {
+  T element{};
+  const bool negative = nextIs(in, '-');
+  if (negative) in.get();
+  if (nextIs(in, 'i')) {
+    takeInfinityWord(in);
+    element = NumberTraits<T>::infinity();
+  } else {
+    in >> element;
+    if (in.fail()) fail("Vector: bad input");
+  }
+  if (negative) element = -element;
+  return element;
+}
+
+}  // namespace detail
+
+template <typename T>
+Vector<T>& Vector<T>::operator+=(const Vector& b) {
+  if (this->MN != b.MN) fail("Vector: dimension mismatch1");
+  for (std::int64_t i = 1; i <= b.MN; ++i) this->data[i] += b.data[i];
+  return *this;
+}
+
+template <typename T>
+Vector<T>& Vector<T>::operator-=(const Vector& b) {
+  if (this->MN != b.MN) fail("Vector: dimension mismatch2");
+  for (std::int64_t i = 1; i <= b.MN; ++i) this->data[i] -= b.data[i];
+  return *this;
+}
+
+template <typename T>
+Vector<T>& Vector<T>::operator*=(const Vector& b) {
+  if (this->MN != b.MN) fail("Vector: dimension mismatch3");
+  for (std::int64_t i = 1; i <= b.MN; ++i) this->data[i] *= b.data[i];
+  return *this;
+}
+
+template <typename T>
+Vector<T>& Vector<T>::operator/=(const Vector& b) {
+  if (this->MN != b.MN) fail("Vector: dimension mismatch4");
+  for (std::int64_t i = 1; i <= b.MN; ++i) this->data[i] /= b.data[i];
+  return *this;
+}
+
+template <typename T>
+Vector<T>& Vector<T>::operator*=(const T& factor) {
+  for (T& element : this->elements()) element *= factor;
+  return *this;
+}
+
+template <typename T>
+Vector<T> Vector<T>::operator+(const Vector& b) const {
+  if (this->MN != b.MN) fail("Vector: dimension mismatch5");
+  Vector sum = *this;
+  sum += b;
+  return sum;
+}
+
+template <typename T>
+Vector<T> Vector<T>::operator-(const Vector& b) const {
+  if (this->MN != b.MN) fail("Vector: dimension mismatch6");
+  Vector difference = *this;
+  difference -= b;
+  return difference;
+}
+
+template <typename T>
+T Vector<T>::operator*(const Vector& b) const {
+  if (this->MN != b.MN) fail("Vector: dimension mismatch8");
+  T sum{};
+  for (std::int64_t i = 1; i <= b.MN; ++i) sum += this->data[i] * b.data[i];
+  return sum;
+}
+
+template <typename T>
+bool Vector<T>::operator==(const Vector& b) const {
+  if (this == &b) return true;
+  if (this->MN != b.MN) fail("Vector: dimension mismatch9");
+  for (std::int64_t i = 1; i <= b.MN; ++i) {
+    if (this->data[i] == b.data[i]) continue;
+    if (!vexil::isZero<T>(this->data[i] - b.data[i])) return false;
+  }
+  return true;
+}
+
+template <typename T>
+bool Vector<T>::operator>=(const Vector& b) const {
+  if (this->MN != b.MN) fail("Vector: dimension mismatch10");
+  for (std::int64_t i = 1; i <= b.MN; ++i) {
+    if (!(this->data[i] >= b.data[i])) return false;
+  }
+  return true;
+}
+
+template <typename T>
+bool Vector<T>::operator<=(const Vector& b) const {
+  if (this->MN != b.MN) fail("Vector: dimension mismatch11");
+  for (std::int64_t i = 1; i <= b.MN; ++i) {
+    if (!(this->data[i] <= b.data[i])) return false;
+  }
+  return true;
+}
+
+template <typename T>
+bool Vector<T>::isZero() const {
+  for (const T& element : this->elements()) {
+    if (!vexil::isZero<T>(element)) return false;
+  }
+  return true;
+}
+
+template <typename T>
+void Vector<T>::fill(const T& value) {
+  for (T& element : this->elements()) element = value;
+}
+
+template <typename T>
+std::ostream& Vector<T>::write(std::ostream& out) const {
+  std::string text;
+  appendTo(text, out);
+  return out << text;
+}
+
+template <typename T>
+void Vector<T>::read(std::istream& in) {
+  this->resize(0, true);
+  if (in.fail()) throw ReadException("Vector: bad stream");
+  skipBlanks(in);
+  if (!nextIs(in, '[')) return;
+  in.get();
+  skipBlanks(in);
+  // The elements gather in storage that is kept between calls, so that the vector gets a block of
+  // its own size and nothing is moved twice.
+  static std::vector<T> pending;
+  pending.clear();
+  while (!nextIs(in, ']')) {
+    pending.push_back(detail::readElement<T>(in));
+    skipBlanks(in);
+  }
+  in.get();
+  this->resize(static_cast<std::int64_t>(pending.size()), false);
+  for (std::int64_t i = 1; i <= this->MN; ++i) {
+    this->data[i] = std::move(pending[static_cast<std::size_t>(i - 1)]);
+  }
+}
+
+}  // namespace vexil
