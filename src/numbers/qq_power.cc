@@ -1,0 +1,91 @@
+// Vexil - exact integer optimization on lattices.
+#include "foundation/failure.h"
+#include "numbers/qq.h"
+#include "numbers/zz_words.h"
+
+namespace vexil {
+
+namespace {
+
+/// Digits that the iterates of a root keep.
+constexpr int ROOT_DIGITS = DIGITS;
+
+/// The value times its denominator, with its sign; an infinity counts as 1.
+ZZ improper(const QQ& x) {
+  ZZ r = x.ganze * x.nenner + x.zaehler;
+  if (!isZero(r)) r.positive = x.positive;
+  return r;
+}
+
+ZZ power(const ZZ& a, const ZZ& e) {
+  ZZ r;
+  power(a, e, r);
+  return r;
+}
+
+QQ wholePower(const QQ& x, const ZZ& e) { return QQ(power(improper(x), e), power(x.nenner, e)); }
+
+QQ infinitePower(const QQ& x) {
+  const int order = compare(abs(x), QQ::ONE());
+  if (order < 0) return 0;
+  if (order == 0) return 1;
+  return x.positive ? QQ::INF() : -QQ::INF();
+}
+
+QQ limited(QQ x) {
+  limitDigits(x, ROOT_DIGITS);
+  normalize(x);
+  return x;
+}
+
+/// x >= 0, k >= 2.
+QQ newtonRoot(const QQ& x, const ZZ& k) {
+  const QQ factor = k;
+  QQ guess = (x + 1) / factor;
+  for (;;) {
+    const QQ slope = limited(wholePower(guess, k - 1));
+    QQ next = limited(guess - (slope * guess - x) / (factor * slope));
+    if (isZero(next - guess) && isZero(wholePower(next, k) - x)) return next;
+    guess = std::move(next);
+  }
+}
+
+}  // namespace
+
+QQ pow(const QQ& x, const QQ& y) {
+  if (!y.positive) return QQ::ONE() / pow(x, -y);
+  if (y.isInf) return infinitePower(x);
+  QQ result = wholePower(x, y.ganze);
+  if (isZero(y.zaehler)) return result;
+  result *= root(power(improper(x), y.zaehler), y.nenner);
+  result /= root(power(x.nenner, y.zaehler), y.nenner);
+  return result;
+}
+
+QQ root(const QQ& x, const ZZ& k) {
+  if (isZero(k)) fail("QQ: zero-th roots are not defined");
+  if (!k.positive) {
+    if (x == 0) fail("QQ: division by zero");
+    return root(QQ::ONE() / x, -k);
+  }
+  if (!x.positive) {
+    if (k.data[1] % 2 == 0) fail("QQ: complex roots are not implemented");
+    return -root(-x, k);
+  }
+  if (k == 1) return x;
+  return newtonRoot(x, k);
+}
+
+void limitDigits(QQ& x, int digits) {
+  const Index surplus = digitCount(x.nenner) - digits;
+  if (surplus <= 0) return;
+  if (digitCount(x.zaehler) > surplus) {
+    dropLowDigits(x.zaehler, surplus);
+    dropLowDigits(x.nenner, surplus);
+  } else {
+    assignWord(x.zaehler, 0);
+    assignWord(x.nenner, 1);
+  }
+}
+
+}  // namespace vexil

@@ -1,0 +1,54 @@
+// Vexil - exact integer optimization on lattices.
+//
+// The way between big integers and machine words, for the short cuts of numbers.
+#pragma once
+
+#include "numbers/zz.h"
+
+namespace vexil {
+
+using limbs::Index;
+using limbs::Limb;
+using limbs::Word;
+
+/// __extension__ admits the type that ISO C++ does not have.
+__extension__ typedef unsigned __int128 DoubleWord;
+
+/// Greatest number of limbs whose value every word holds.
+inline constexpr Index WORD_LIMBS = 2;
+
+/// Number of limbs up to the highest that is not 0; 0 for zero.
+[[nodiscard]] inline Index limbCount(const ZZ& a) {
+  Index n = a.MN;
+  while (n > 0 && a.data[n] == 0) --n;
+  return n;
+}
+
+/// The magnitude made of the WORD_LIMBS lowest limbs.
+[[nodiscard]] inline Word toWord(const ZZ& a) {
+  const Word low = a.MN > 0 ? limbs::word(a.data[1]) : 0;
+  return a.MN > 1 ? low + limbs::word(a.data[2]) * limbs::WORD_BASE : low;
+}
+
+/// Makes `a` the non-negative `value`.
+inline void assignWord(ZZ& a, Word value) {
+  a.positive = true;
+  if (value < limbs::WORD_BASE) {
+    a.Array::resize(1, false);
+    a.data[1] = limbs::limb(value);
+    return;
+  }
+  const Word upper = value / limbs::WORD_BASE;
+  const bool two = upper < limbs::WORD_BASE;
+  a.Array::resize(two ? 2 : 3, false);
+  a.data[1] = limbs::limb(value % limbs::WORD_BASE);
+  a.data[2] = limbs::limb(two ? upper : upper % limbs::WORD_BASE);
+  if (!two) a.data[3] = limbs::limb(upper / limbs::WORD_BASE);
+}
+
+inline void setZero(ZZ& a) { assignWord(a, 0); }
+
+/// The greatest common divisor of two words.
+[[nodiscard]] Word gcdWord(Word a, Word b);
+
+}  // namespace vexil
