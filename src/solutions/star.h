@@ -1,0 +1,67 @@
+// Vexil - exact integer optimization on lattices.
+#pragma once
+
+#include "numbers/convert.h"
+#include "solutions/time_vector.h"
+
+namespace vexil {
+
+/// A solution of an optimization program as the sol file holds it: the elements are the values of
+/// the program's variables. A cleared star keeps its target values, norms and texts.
+template <typename T>
+class Star : public TimeVector<T> {
+ public:
+  Vector<T> targetValues;  ///< `At` x, one value per target
+  T slackNorm{};
+  T targetNorm{};
+  String paramText;  ///< the options in force when the star was made
+  String version;    ///< dotted version of the program that made the star
+
+  Star() = default;
+  Star(const Vector<T>& elements, const Vector<T>& values, const T& targetNorm_,
+       const T& slackNorm_, std::int64_t time_, const String& paramText_, const String& version_);
+
+  /// Parses one line of a sol file into `star`. Only the elements are emptied first: a field that
+  /// the line does not hold keeps the value of the line before. Returns false for a bare line, one
+  /// that has no "|" behind the elements. A recoverable exception leaves the star without elements.
+  static bool readStar(Star& star, std::istream& in);
+
+  /// Makes `target` this star; the elements are moved, so this one is left without elements and
+  /// keeps everything else.
+  void handOver(Star& target);
+};
+
+/// Compares dotted versions component by component, a missing one counting as 0: 1 if `a` is the
+/// greater, -1 if `b` is, else 0.
+[[nodiscard]] int compareVersions(const String& a, const String& b);
+
+/// Compares the text forms of the elements with full precision byte-wise: negative, 0 or positive.
+/// Only the numbers up to the first difference are rendered.
+template <typename T>
+[[nodiscard]] int compareElementTexts(const Vector<T>& a, const Vector<T>& b);
+
+/// The order of stars, best first: by target norm, slack norm, time (a known one first), newer
+/// version, text of the elements, options. Two stars that differ in their versions alone are
+/// ordered by the options if the first is the older one, so this is no strict order for them.
+template <typename T>
+[[nodiscard]] bool operator<(const Star<T>& a, const Star<T>& b);
+
+/// Heap sort (J. W. J. Williams, "Algorithm 232: Heapsort", 1964), best star first. The steps are
+/// fixed, since the order of stars is no strict order.
+template <typename T>
+void sort(Array<Star<T>>& stars);
+
+/// Keeps the first of all stars with equal elements and, with `compareParams`, equal `paramText`.
+/// The elements are compared first, within the tolerance of vectors.
+template <typename T>
+void removeDuplicates(Array<Star<T>>& stars, bool compareParams);
+
+/// Copies across the arithmetics. The norms follow the rule of the vectors: the flags of the target
+/// and, with `check`, the round trip within the tolerance.
+template <typename S, typename T>
+void convert(const Star<S>& source, Star<T>& target, bool check);
+
+extern template class Star<dbl_t>;
+extern template class Star<QQ>;
+
+}  // namespace vexil

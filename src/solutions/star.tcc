@@ -1,0 +1,114 @@
+// Vexil - exact integer optimization on lattices.
+#pragma once
+
+#include "solutions/star.h"
+
+namespace vexil {
+
+template <typename T>
+Star<T>::Star(const Vector<T>& elements, const Vector<T>& values, const T& targetNorm_,
+              const T& slackNorm_, std::int64_t time_, const String& paramText_,
+              const String& version_)
+    : targetValues(values),
+      slackNorm(slackNorm_),
+      targetNorm(targetNorm_),
+      paramText(paramText_),
+      version(version_) {
+  Vector<T>::operator=(elements);
+  this->time = time_;
+}
+
+template <typename T>
+void Star<T>::handOver(Star& target) {
+  target.copyTextSettings(*this);
+  static_cast<Array<T>&>(target) = std::move(static_cast<Array<T>&>(*this));
+  target.time = this->time;
+  target.targetValues = targetValues;
+  target.slackNorm = slackNorm;
+  target.targetNorm = targetNorm;
+  target.paramText = paramText;
+  target.version = version;
+  this->resize(0, false);
+}
+
+template <typename T>
+int compareElementTexts(const Vector<T>& a, const Vector<T>& b) {
+  const auto piece = [](const Vector<T>& x, std::int64_t i) {
+    std::string text;
+    if (i > x.MN) return std::string("]");
+    NumberTraits<T>::append(text, x.data[i], DIGITS - 1);
+    return text += ' ';
+  };
+  for (std::int64_t i = 1; i <= a.MN || i <= b.MN; ++i) {
+    if (i <= a.MN && i <= b.MN && a.data[i] == b.data[i]) continue;
+    const int order = piece(a, i).compare(piece(b, i));
+    if (order != 0) return order;
+  }
+  return 0;
+}
+
+template <typename T>
+bool operator<(const Star<T>& a, const Star<T>& b) {
+  if (a.targetNorm != b.targetNorm) return a.targetNorm < b.targetNorm;
+  if (a.slackNorm != b.slackNorm) return a.slackNorm < b.slackNorm;
+  if (a.time != b.time) return a.time != -1 && (b.time == -1 || a.time < b.time);
+  const int versions = compareVersions(a.version, b.version);
+  if (versions > 0) return true;
+  if (versions == 0 && compareElementTexts(a, b) < 0) return true;
+  return a.paramText < b.paramText;
+}
+
+namespace detail {
+
+template <typename T>
+void siftDown(Array<Star<T>>& stars, std::int64_t i, std::int64_t m) {
+  for (std::int64_t c = 2 * i; c <= m; c = 2 * i) {
+    if (c + 1 <= m && stars.data[c] < stars.data[c + 1]) ++c;
+    if (!(stars.data[i] < stars.data[c])) return;
+    stars.swap(i, c);
+    i = c;
+  }
+}
+
+}  // namespace detail
+
+template <typename T>
+void sort(Array<Star<T>>& stars) {
+  std::int64_t n = stars.MN;
+  for (std::int64_t i = n / 2; i >= 1; --i) detail::siftDown(stars, i, n);
+  while (n > 1) {
+    stars.swap(1, n);
+    --n;
+    detail::siftDown(stars, 1, n);
+  }
+}
+
+template <typename T>
+void removeDuplicates(Array<Star<T>>& stars, bool compareParams) {
+  for (std::int64_t i = 1; i <= stars.MN; ++i) {
+    const Star<T>& first = stars.data[i];
+    std::int64_t kept = i;
+    for (std::int64_t j = i + 1; j <= stars.MN; ++j) {
+      const Star<T>& other = stars.data[j];
+      if (first == other && (!compareParams || first.paramText == other.paramText)) continue;
+      if (++kept != j) stars.data[kept] = std::move(stars.data[j]);
+    }
+    stars.resize(kept, false);
+  }
+}
+
+template <typename S, typename T>
+void convert(const Star<S>& source, Star<T>& target, bool check) {
+  convert(static_cast<const Vector<S>&>(source), static_cast<Vector<T>&>(target), check);
+  const auto convertNorm = [&](const S& from, T& to) {
+    convertNumber(from, to, check, target.throwOnLoss, target.tolerateFraction);
+  };
+  target.time = source.time;
+  convert(source.targetValues, target.targetValues, check);
+  convertNorm(source.slackNorm, target.slackNorm);
+  convertNorm(source.targetNorm, target.targetNorm);
+  target.paramText = source.paramText;
+  target.version = source.version;
+}
+
+}  // namespace vexil
