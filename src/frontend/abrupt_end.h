@@ -1,0 +1,11 @@
+// Vexil - exact integer optimization on lattices.
+#pragma once
+
+namespace vexil {
+
+/// Has the names of all semaphores released also where no normal process end comes: on SIGINT and
+/// SIGTERM, unless they are ignored or handled otherwise, and on an exception that nobody handles.
+/// The process ends as it would have ended without.
+void releaseNamesOnAbruptEnd();
+
+}  // namespace vexil
