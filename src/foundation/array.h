@@ -9,6 +9,16 @@
 
 namespace vexil {
 
+/// Exchanges two elements of an array through a temporary that lives for the whole process, so that
+/// sorting allocates nothing.
+template <typename T>
+void exchange(T& a, T& b) {
+  static T temporary;
+  temporary = std::move(a);
+  a = std::move(b);
+  b = std::move(temporary);
+}
+
 /// Growable block of elements at the indices 1 to `MN`. Slot 0 exists and is a legal index, but no
 /// element lives there. The block never shrinks and shrinking destroys nothing: a later growth
 /// within `capacity` shows the old elements again. An array owns its elements.
@@ -109,16 +119,6 @@ class Array {
     std::swap(capacity, other.capacity);
   }
 };
-
-/// Exchanges two elements of an array through a temporary that lives for the whole process, so that
-/// sorting allocates nothing.
-template <typename T>
-void exchange(T& a, T& b) {
-  static T temporary;
-  temporary = std::move(a);
-  a = std::move(b);
-  b = std::move(temporary);
-}
 
 /// Array with the two settings of the number conversion (numbers/convert.h) that its elements go
 /// through when they are produced from another number type. The settings belong to the object:

@@ -1,6 +1,8 @@
 // Vexil - exact integer optimization on lattices.
 #pragma once
 
+#include <algorithm>
+
 #include "foundation/matrix.h"
 #include "foundation/text_streams.h"
 
@@ -52,12 +54,49 @@ void Matrix<T>::clear() {
   columnCount = 0;
 }
 
+namespace detail {
+
+/// Rows whose scalar products are formed side by side: a floating sum waits for the one before it,
+/// and four of them keep the unit busy. The order of the terms in each sum stays.
+inline constexpr std::int64_t ROW_BLOCK = 4;
+
+/// result[k] = rows[k] v for the ROW_BLOCK rows from `rows` on, all of the dimension of v.
+template <typename T>
+void multiplyRowBlock(const Vector<T>* rows, const Vector<T>& v, T* result) {
+  const T* const a = rows[0].data;
+  const T* const b = rows[1].data;
+  const T* const c = rows[2].data;
+  const T* const d = rows[3].data;
+  T sums[ROW_BLOCK] = {};
+  for (std::int64_t j = 1; j <= v.MN; ++j) {
+    const T x = v.data[j];
+    sums[0] += a[j] * x;
+    sums[1] += b[j] * x;
+    sums[2] += c[j] * x;
+    sums[3] += d[j] * x;
+  }
+  std::copy(sums, sums + ROW_BLOCK, result);
+}
+
+}  // namespace detail
+
 template <typename T>
 Vector<T> Matrix<T>::operator*(const Vector<T>& v) const {
   if (columnCount != v.MN) fail("Matrix: mat-vec multiplication dimension mismatch");
   Vector<T> result;
   result.resize(rowCount, true);
-  for (std::int64_t i = 1; i <= rowCount; ++i) result.data[i] = rows[i] * v;
+  std::int64_t i = 1;
+  if constexpr (std::is_floating_point_v<T>) {
+    const auto isWhole = [&v](const Vector<T>& row) { return row.MN == v.MN; };
+    const auto blockIsWhole = [&] {
+      return i + detail::ROW_BLOCK <= rowCount + 1 &&
+             std::all_of(rows + i, rows + i + detail::ROW_BLOCK, isWhole);
+    };
+    for (; blockIsWhole(); i += detail::ROW_BLOCK) {
+      detail::multiplyRowBlock(rows + i, v, result.data + i);
+    }
+  }
+  for (; i <= rowCount; ++i) result.data[i] = rows[i] * v;
   return result;
 }
 
@@ -84,7 +123,9 @@ Matrix<T> Matrix<T>::product(const Matrix& B) const {
     const T* const row = rows[i].data;
     for (std::int64_t j = 1; j <= B.columnCount; ++j) {
       T sum{};
-      for (std::int64_t k = 1; k <= columnCount; ++k) sum += B.rows[k].data[j] * row[k];
+      for (std::int64_t k = 1; k <= columnCount; ++k) {
+        NumberTraits<T>::addProduct(sum, B.rows[k].data[j], row[k]);
+      }
       C.rows[i].data[j] = std::move(sum);
     }
   }

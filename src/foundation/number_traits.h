@@ -16,6 +16,7 @@ namespace vexil {
 ///   infinity()               the value that the word "inf" stands for
 ///   isZero(x)                |x| <= 10^-9
 ///   isNoPivot(x)             an elimination cannot divide by x
+///   addProduct(sum, a, b)    sum += a b
 ///   append(text, x, format)  appends x as a stream with the settings of `format` prints it
 ///   append(text, x, digits)  appends x with `digits` significant digits
 template <typename T>
@@ -26,6 +27,7 @@ struct NumberTraits<dbl_t> {
   static constexpr dbl_t infinity() { return INF_F; }
   static bool isZero(dbl_t x) { return std::fabs(x) <= TOLERANCE; }
   static bool isNoPivot(dbl_t x) { return isZero(x); }
+  static void addProduct(dbl_t& sum, dbl_t a, dbl_t b) { sum += a * b; }
   static void append(std::string& text, dbl_t x, int digits);
   static void append(std::string& text, dbl_t x, const std::ios_base& format);
 };
@@ -35,6 +37,7 @@ struct NumberTraits<long> {
   static constexpr long infinity() { return HUGE_LONG; }
   static bool isZero(long x) { return x == 0; }
   static bool isNoPivot(long x) { return x == 0; }
+  static void addProduct(long& sum, long a, long b) { sum += a * b; }
   static void append(std::string& text, long x, const std::ios_base& format);
 };
 

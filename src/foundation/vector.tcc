@@ -1,6 +1,7 @@
 // Vexil - exact integer optimization on lattices.
 #pragma once
 
+#include <algorithm>
 #include <vector>
 
 #include "foundation/text_streams.h"
@@ -21,8 +22,7 @@ inline void takeInfinityWord(std::istream& in) {
 
 /// The next number of a vector's text.
 template <typename T>
-T readElement(std::istream& in) {
-  T element{};
+void readElement(std::istream& in, T& element) {
   const bool negative = nextIs(in, '-');
   if (negative) in.get();
   if (nextIs(in, 'i')) {
@@ -33,7 +33,6 @@ T readElement(std::istream& in) {
     if (in.fail()) fail("Vector: bad input");
   }
   if (negative) element = -element;
-  return element;
 }
 
 }  // namespace detail
@@ -92,7 +91,9 @@ template <typename T>
 T Vector<T>::operator*(const Vector& b) const {
   if (this->MN != b.MN) fail("Vector: dimension mismatch8");
   T sum{};
-  for (std::int64_t i = 1; i <= b.MN; ++i) sum += this->data[i] * b.data[i];
+  for (std::int64_t i = 1; i <= b.MN; ++i) {
+    NumberTraits<T>::addProduct(sum, this->data[i], b.data[i]);
+  }
   return sum;
 }
 
@@ -153,19 +154,20 @@ void Vector<T>::read(std::istream& in) {
   if (!nextIs(in, '[')) return;
   in.get();
   skipBlanks(in);
-  // The elements gather in storage that is kept between calls, so that the vector gets a block of
-  // its own size and nothing is moved twice.
+  // The elements gather in storage that is kept between calls and are exchanged with those of a
+  // block of the right size, so that nothing is copied and the storage of their digits is used
+  // again.
   static std::vector<T> pending;
-  pending.clear();
+  std::size_t count = 0;
   while (!nextIs(in, ']')) {
-    pending.push_back(detail::readElement<T>(in));
+    if (count == pending.size()) pending.emplace_back();
+    detail::readElement(in, pending[count++]);
     skipBlanks(in);
   }
   in.get();
-  this->resize(static_cast<std::int64_t>(pending.size()), false);
-  for (std::int64_t i = 1; i <= this->MN; ++i) {
-    this->data[i] = std::move(pending[static_cast<std::size_t>(i - 1)]);
-  }
+  this->resize(static_cast<std::int64_t>(count), false);
+  std::swap_ranges(pending.begin(), pending.begin() + static_cast<std::ptrdiff_t>(count),
+                   this->elements().begin());
 }
 
 }  // namespace vexil

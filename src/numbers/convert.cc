@@ -37,17 +37,22 @@ struct Decimals {
   }
 };
 
-/// Long division in words, for rests and divisors of at most 18 digits.
+/// Long division in words, for rests and divisors of at most 18 digits; a divisor of one limb gives
+/// several digits in a step.
 Decimals decimalsOf(Word rest, Word divisor) {
   Decimals decimals;
-  for (int count = 0; rest != 0 && count < FRACTION_DIGITS; ++decimals.places) {
-    rest *= 10;
-    const Word digit = rest / divisor;
-    rest -= digit * divisor;
-    decimals.digits = decimals.digits * 10 + digit;
-    if (decimals.digits != 0) ++count;
+  for (int count = 0; rest != 0 && count < FRACTION_DIGITS;) {
+    const int step =
+        divisor < limbs::WORD_BASE ? std::min(limbs::LIMB_DIGITS, FRACTION_DIGITS - count) : 1;
+    rest *= limbs::powerOfTen(step);
+    const Word digits = rest / divisor;
+    rest -= digits * divisor;
+    decimals.digits = decimals.digits * limbs::powerOfTen(step) + digits;
+    decimals.places += step;
+    if (decimals.digits != 0) count = limbs::digitCount(decimals.digits);
   }
   decimals.cut = rest != 0;
+  decimals.stripTrailingZeros();
   return decimals;
 }
 
@@ -81,7 +86,8 @@ dbl_t readBack(const ZZ& whole, const Decimals& decimals) {
   appendTo(text, whole);
   if (decimals.digits != 0) {
     text += '.';
-    text.append(static_cast<std::size_t>(decimals.places - limbs::digitCount(decimals.digits)), '0');
+    text.append(static_cast<std::size_t>(decimals.places - limbs::digitCount(decimals.digits)),
+                '0');
     limbs::appendWord(text, decimals.digits);
   }
   return std::min(std::strtold(text.c_str(), nullptr), std::numeric_limits<dbl_t>::max());

@@ -2,8 +2,8 @@
 //
 // The guarded way between the two arithmetics. convert(source, target, check) exists for everything
 // that holds numbers; with `check` a target that has lost precision throws `PrecisionException`
-// "Precision lost during conversion", and what was converted so far stands in it. Between equal types
-// it is an assignment.
+// "Precision lost during conversion", and what was converted so far stands in it. Between equal
+// types it is an assignment.
 #pragma once
 
 #include <concepts>
@@ -19,10 +19,11 @@ namespace vexil {
 template <typename T>
 concept Number = std::same_as<T, QQ> || std::same_as<T, dbl_t>;
 
-/// The floating value whose text is that of `q`. A fraction is taken to 19 significant digits; behind
-/// a whole part of more than 18 digits it is dropped. With `throwOnLoss` such a whole part throws
-/// `PreCommaPrecisionException`, and, unless `tolerateFraction` is set, a fraction that goes on behind
-/// these digits `PostCommaPrecisionException`, both with "QQ is not representable as dbl_t".
+/// The floating value whose text is that of `q`. A fraction is taken to 19 significant digits;
+/// behind a whole part of more than 18 digits it is dropped. With `throwOnLoss` such a whole part
+/// throws `PreCommaPrecisionException`, and, unless `tolerateFraction` is set, a fraction that goes
+/// on behind these digits `PostCommaPrecisionException`, both with "QQ is not representable as
+/// dbl_t".
 [[nodiscard]] dbl_t toFloat(const QQ& q, bool throwOnLoss, bool tolerateFraction);
 
 /// One number, the two settings as in `toFloat`. With `check` the way back has to give the source
@@ -36,8 +37,8 @@ void convertNumber(const T& source, T& target, bool /*check*/, bool /*throwOnLos
   target = source;
 }
 
-/// One number, as pairs hold them: with `check` neither digits nor fractions may be lost, and the way
-/// back has to give the source exactly.
+/// One number, as pairs hold them: with `check` neither digits nor fractions may be lost, and the
+/// way back has to give the source exactly.
 void convertExactly(const QQ& source, dbl_t& target, bool check);
 void convertExactly(dbl_t source, QQ& target, bool check);
 template <Number T>
@@ -45,9 +46,9 @@ void convertExactly(const T& source, T& target, bool /*check*/) {
   target = source;
 }
 
-/// Elements are converted by the settings of the target vector, which it keeps, and with `check` all of
-/// them compared with the source by way of the source's type within the tolerance 10^-9. Text settings
-/// are copied.
+/// Elements are converted by the settings of the target vector, which it keeps, and with `check`
+/// all of them compared with the source by way of the source's type within the tolerance 10^-9.
+/// Text settings are copied.
 void convert(const Vector<QQ>& source, Vector<dbl_t>& target, bool check);
 void convert(const Vector<dbl_t>& source, Vector<QQ>& target, bool check);
 template <typename T>

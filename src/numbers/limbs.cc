@@ -48,7 +48,8 @@ void multiplySchoolbook(Limb* r, const Limb* a, Index an, const Limb* b, Index b
   Word sum = 0;
   for (Index k = 0; k < an + bn - 1; ++k) {
     const Index last = std::min(k, an - 1);
-    for (Index i = std::max<Index>(0, k - bn + 1); i <= last; ++i) sum += word(a[i]) * word(b[k - i]);
+    for (Index i = std::max<Index>(0, k - bn + 1); i <= last; ++i)
+      sum += word(a[i]) * word(b[k - i]);
     const Word carry = sum / WORD_BASE;
     r[k] = limb(sum - carry * WORD_BASE);
     sum = carry;
@@ -99,7 +100,8 @@ void multiplyUneven(Limb* r, const Limb* a, Index an, const Limb* b, Index bn, L
 /// (a1 - a0) (b0 - b1) + a1 b1 + a0 b0.
 void multiplyHalves(Limb* r, const Limb* a, Index an, const Limb* b, Index bn, Limb* scratch) {
   const Index h = (an + 1) / 2;
-  const bool negative = difference(r, h, a + h, an - h, a, h) != difference(r + h, h, b, h, b + h, bn - h);
+  const bool negative =
+      difference(r, h, a + h, an - h, a, h) != difference(r + h, h, b, h, b + h, bn - h);
   Limb* const middle = scratch;
   Limb* const rest = scratch + 2 * h + 1;
   multiplyInto(middle, r, h, r + h, h, rest);
@@ -238,6 +240,22 @@ void divide(Limb* q, Limb* u, Index un, const Limb* v, Index vn) {
     }
     w[vn] = 0;
     q[j] = limb(digit);
+  }
+}
+
+void combine(Limb* u, Limb* v, Index n, const Combination& by) {
+  // A and B differ in sign, as C and D do: no sum leaves the range of a limb's product.
+  Limb uCarry = 0;
+  Limb vCarry = 0;
+  const auto store = [](Limb& target, Limb& carry, Limb sum) {
+    carry = sum / BASE - (sum % BASE < 0 ? 1 : 0);
+    target = sum - carry * BASE;
+  };
+  for (Index i = 0; i < n; ++i) {
+    const Limb x = u[i];
+    const Limb y = v[i];
+    store(u[i], uCarry, by.A * x + by.B * y + uCarry);
+    store(v[i], vCarry, by.C * x + by.D * y + vCarry);
   }
 }
 

@@ -57,10 +57,20 @@ Limb divideSmall(Limb* q, const Limb* a, Index n, Limb divisor);
 void multiply(Limb* r, const Limb* a, Index an, const Limb* b, Index bn);
 
 /// Knuth, The Art of Computer Programming, volume 2, 4.3.1, algorithm D, for operands that are
-/// normalised: the top limb of `v` is at least BASE / 2. `u` has un + 1 limbs, of which the top `vn`
-/// hold a number below `v`, and un >= vn >= 2. Leaves the quotient in q[0] to q[un - vn] and the
-/// remainder in u[0] to u[vn - 1].
+/// normalised: the top limb of `v` is at least BASE / 2. `u` has un + 1 limbs, of which the top
+/// `vn` hold a number below `v`, and un >= vn >= 2. Leaves the quotient in q[0] to q[un - vn] and
+/// the remainder in u[0] to u[vn - 1].
 void divide(Limb* q, Limb* u, Index un, const Limb* v, Index vn);
+
+/// Replaces (u, v) by (A u + B v, C u + D v) on `n` limbs, for factors of at most BASE in magnitude
+/// whose results are not negative and fit.
+struct Combination {
+  Limb A = 1;
+  Limb B = 0;
+  Limb C = 0;
+  Limb D = 1;
+};
+void combine(Limb* u, Limb* v, Index n, const Combination& by);
 
 /// Divides by 10^digits, dropping the remainder, and returns the number of limbs that are left.
 Index dropDigits(Limb* a, Index n, Index digits);

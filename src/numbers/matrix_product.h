@@ -1,6 +1,4 @@
 // Vexil - exact integer optimization on lattices.
-//
-// Many products of one matrix with vectors.
 #pragma once
 
 #include <optional>
@@ -11,40 +9,34 @@
 
 namespace vexil {
 
-/// The products A x of a matrix that does not change as long as this object lives.
+/// Many products of one matrix, which must not change in the meantime, with vectors.
+///
+/// Where a row and a vector hold whole numbers and no sum of products can leave the range of a
+/// machine integer, the scalar product is formed in integers: neither arithmetic rounds there, so
+/// the result is the same. The integers of the matrix are collected once, at the first product.
 template <typename T>
 class MatrixProduct {
  public:
   explicit MatrixProduct(const Matrix<T>& A) : A_(A) {}
 
   /// A x, with the failures of that product.
-  [[nodiscard]] Vector<T> operator()(const Vector<T>& x) { return A_ * x; }
+  [[nodiscard]] Vector<T> operator()(const Vector<T>& x);
 
  private:
-  const Matrix<T>& A_;
-};
-
-/// With exact rationals, a row and a vector of whole numbers are multiplied as machine integers where no
-/// sum can leave their range. The integers are collected once, at the first product.
-template <>
-class MatrixProduct<QQ> {
- public:
-  explicit MatrixProduct(const Matrix<QQ>& A) : A_(A) {}
-
-  [[nodiscard]] Vector<QQ> operator()(const Vector<QQ>& x);
-
- private:
-  /// Whole numbers of up to 18 digits with their greatest magnitude.
+  /// Whole numbers with their greatest magnitude.
   struct Integers {
     std::vector<long> values;
     long bound = 0;
   };
 
-  static std::optional<Integers> integersOf(const Vector<QQ>& x);
+  static std::optional<Integers> integersOf(const Vector<T>& x);
   static bool sumFits(const Integers& a, const Integers& b);
 
-  const Matrix<QQ>& A_;
+  const Matrix<T>& A_;
   std::vector<std::optional<Integers>> rows_;
 };
+
+extern template class MatrixProduct<dbl_t>;
+extern template class MatrixProduct<QQ>;
 
 }  // namespace vexil

@@ -14,8 +14,8 @@ inline constexpr dbl_t SOFT_LIMIT = 1e9L;
 inline constexpr dbl_t HARD_LIMIT = 1e18L;
 
 /// Tells whether a finite value is above SOFT_LIMIT in magnitude; the caller names the value in the
-/// `PrecisionException` that it throws. Infinities and what is no number are left to the callers' own
-/// tests. Throws `FatalPrecisionException` for a finite value above HARD_LIMIT.
+/// `PrecisionException` that it throws. Infinities and what is no number are left to the callers'
+/// own tests. Throws `FatalPrecisionException` for a finite value above HARD_LIMIT.
 [[nodiscard]] inline bool checkOverflow(dbl_t x) {
   const dbl_t magnitude = std::fabs(x);
   if (!(magnitude > SOFT_LIMIT) || magnitude == INF_F) return false;

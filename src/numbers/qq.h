@@ -19,8 +19,8 @@ namespace vexil {
 ///
 /// Normal form, which every operation wants of its operands and gives its result: the parts have no
 /// sign of their own; 0 <= zaehler < nenner, both without a common divisor; where zaehler is 0,
-/// nenner is 1; zero is positive; an infinity has ganze 1, zaehler 0, nenner 1. A part that is 0 may
-/// have no limb at all.
+/// nenner is 1; zero is positive; an infinity has ganze 1, zaehler 0, nenner 1. A part that is 0
+/// may have no limb at all.
 class QQ {
  public:
   bool isInf = false;    ///< plus or minus infinity
@@ -56,8 +56,8 @@ class QQ {
   QQ(Infinity, bool sign) : isInf(true), positive(sign), ganze(1) {}
 };
 
-/// Brings any parts to the normal form. Fatal for a part with a sign: "A ganze / zaehler / nenner sign
-/// has been set, though it should not be used"; for a zero nenner under another zaehler:
+/// Brings any parts to the normal form. Fatal for a part with a sign: "A ganze / zaehler / nenner
+/// sign has been set, though it should not be used"; for a zero nenner under another zaehler:
 /// "ZZ::div -- division by zero".
 void normalize(QQ& x);
 
@@ -79,7 +79,8 @@ void commonDenominator(ZZ& az, ZZ& bz, ZZ& l, const QQ& a, const QQ& b);
 // The result may be an operand. Failures:
 //   add, sub  fatal "INF - INF is not defined"
 //   mul       fatal "qq: INF * 0 is not defined!" and "qq: 0 * INF is not defined!"
-//   div       fatal "QQ: +-INF / +-INF is not defined"; for a zero divisor throws PrecisionException
+//   div       fatal "QQ: +-INF / +-INF is not defined"; for a zero divisor throws
+//   PrecisionException
 //             "QQ: division by zero3"
 void add(const QQ& a, const QQ& b, QQ& r);
 void sub(const QQ& a, const QQ& b, QQ& r);
@@ -134,7 +135,8 @@ inline QQ& operator/=(QQ& a, const QQ& b) {
 
 /// The k-th root by Newton's iteration, accurate to about 10^-9: the one inexact operation. Fatal:
 /// "QQ: zero-th roots are not defined", "QQ: division by zero" for a negative k and x = 0, "QQ:
-/// complex roots are not implemented". Throws what the division by a slope that was cut to 0 throws.
+/// complex roots are not implemented". Throws what the division by a slope that was cut to 0
+/// throws.
 [[nodiscard]] QQ root(const QQ& x, const ZZ& k);
 
 /// Cuts a denominator of more than `digits` digits to so many, its numerator by as many digits; a
@@ -150,28 +152,31 @@ void append(std::string& text, const QQ& x);
 [[nodiscard]] std::string toString(const QQ& x);
 std::ostream& operator<<(std::ostream& out, const QQ& x);
 
-/// Skips blanks and comments and parses the longest run of digits, "+", ",", "-", ".", "/", ":", with
-/// an "inf" behind it. A number may be cut off by the end of the text; the stream is then at its end
-/// but has not failed. Fatal: what `parse` reports, so "QQ: parse error1" where no number stands.
+/// Skips blanks and comments and parses the longest run of digits, "+", ",", "-", ".", "/", ":",
+/// with an "inf" behind it. A number may be cut off by the end of the text; the stream is then at
+/// its end but has not failed. Fatal: what `parse` reports, so "QQ: parse error1" where no number
+/// stands.
 std::istream& operator>>(std::istream& in, QQ& x);
 
 /// Reads a number: whole, n/d, mixed (w:n/d), decimal with point or comma, any of these with an
-/// exponent behind "e" or "E", "inf", each with a sign. In the digits of a part all other characters
-/// are dropped. Fatal: "QQ: parse error1" for an empty number, which the rest of "1.0" behind its
-/// zeros is; "QQ: parse error2" and "QQ: parse error3" for a misspelt "inf"; "QQ: malformed number1"
-/// and "QQ: malformed number2" for what is no proper fraction behind ":"; "QQ: division by zero1"; a
-/// second sign where `normalize` reports it.
+/// exponent behind "e" or "E", "inf", each with a sign. In the digits of a part all other
+/// characters are dropped. Fatal: "QQ: parse error1" for an empty number, which the rest of "1.0"
+/// behind its zeros is; "QQ: parse error2" and "QQ: parse error3" for a misspelt "inf"; "QQ:
+/// malformed number1" and "QQ: malformed number2" for what is no proper fraction behind ":"; "QQ:
+/// division by zero1"; a second sign where `normalize` reports it.
 void parse(std::string_view text, QQ& x);
 
-/// The value of the text of `value` with 17 significant digits: 0.1 becomes 1/10. Up to 10^-9 counts
-/// as 0, and so does what is no number.
+/// The value of the text of `value` with 17 significant digits: 0.1 becomes 1/10. Up to 10^-9
+/// counts as 0, and so does what is no number.
 void fromFloat(dbl_t value, QQ& x);
 
 template <>
 struct NumberTraits<QQ> {
   static const QQ& infinity() { return QQ::INF(); }
   static bool isZero(const QQ& x);
-  static bool isNoPivot(const QQ& x) { return !x.isInf && vexil::isZero(x.ganze) && vexil::isZero(x.zaehler); }
+  static bool isNoPivot(const QQ& x) {
+    return !x.isInf && vexil::isZero(x.ganze) && vexil::isZero(x.zaehler);
+  }
   static void addProduct(QQ& sum, const QQ& a, const QQ& b) { vexil::addProduct(sum, a, b); }
   static void append(std::string& text, const QQ& x, int /*digits*/) { vexil::append(text, x); }
   static void append(std::string& text, const QQ& x, const std::ios_base& /*format*/) {

@@ -1,8 +1,9 @@
 // Vexil - exact integer optimization on lattices.
 //
-// Each operation has a short cut for parts of one limb, which machine words hold. The others work on
-// integers that live for the whole process, so that blocks are reused. Results are reduced by the
-// greatest common divisors of small operands: Knuth, The Art of Computer Programming, volume 2, 4.5.1.
+// Each operation has a short cut for parts of one limb, which machine words hold. The others work
+// on integers that live for the whole process, so that blocks are reused. Results are reduced by
+// the greatest common divisors of small operands: Knuth, The Art of Computer Programming, volume
+// 2, 4.5.1.
 #include <utility>
 
 #include "foundation/exceptions.h"
@@ -87,8 +88,8 @@ void storeReduced(QQ& r, bool positive, DoubleWord numerator, Word denominator) 
   add(r.ganze, low, r.ganze);
 }
 
-/// r = whole + numerator / denominator for signed parts, |numerator| < 2 * denominator; `common` is a
-/// multiple of the greatest common divisor of numerator and denominator.
+/// r = whole + numerator / denominator for signed parts, |numerator| < 2 * denominator; `common` is
+/// a multiple of the greatest common divisor of numerator and denominator.
 void storeSum(QQ& r, Limb whole, Limb numerator, Limb denominator, Word common) {
   for (; numerator < 0; --whole) numerator += denominator;
   for (; numerator >= denominator; ++whole) numerator -= denominator;
@@ -97,7 +98,8 @@ void storeSum(QQ& r, Limb whole, Limb numerator, Limb denominator, Word common) 
     ++whole;
     numerator = denominator - numerator;
   }
-  const Word divisor = numerator == 0 ? limbs::word(denominator) : gcdWord(limbs::word(numerator), common);
+  const Word divisor =
+      numerator == 0 ? limbs::word(denominator) : gcdWord(limbs::word(numerator), common);
   store(r, positive, limbs::word(positive ? whole : -whole), limbs::word(numerator) / divisor,
         limbs::word(denominator) / divisor);
 }
@@ -175,6 +177,25 @@ void addInfinite(const QQ& a, const QQ& b, bool bPositive, QQ& r) {
   storeInfinity(r, a.isInf ? a.positive : bPositive);
 }
 
+/// Gives `r` a signed whole part and no fraction.
+void finishWhole(QQ& r, bool positive) {
+  r.isInf = false;
+  r.positive = positive || isZero(r.ganze);
+  r.ganze.positive = true;
+  storePart(r.zaehler, 0);
+  storePart(r.nenner, 1);
+}
+
+void addWhole(const QQ& a, const QQ& b, bool bPositive, QQ& r) {
+  const bool aPositive = a.positive;
+  if (aPositive == bPositive) {
+    add(a.ganze, b.ganze, r.ganze);
+  } else {
+    sub(a.ganze, b.ganze, r.ganze);
+  }
+  finishWhole(r, aPositive == r.ganze.positive);
+}
+
 /// r = whole + numerator / denominator for signed parts; takes the blocks of all three.
 void storeSum(QQ& r, ZZ& whole, ZZ& numerator, ZZ& denominator, const ZZ& common) {
   static ZZ quotient;
@@ -205,6 +226,7 @@ void addSigned(const QQ& a, const QQ& b, bool bPositive, QQ& r) {
   Small y;
   if (load(a, x) && load(b, y)) return addSmall(x, y, bPositive, r);
   if (a.isInf || b.isInf) return addInfinite(a, b, bPositive, r);
+  if (isWhole(a) && isWhole(b)) return addWhole(a, b, bPositive, r);
   static ZZ whole;
   static ZZ numerator;
   static ZZ denominator;
@@ -250,9 +272,10 @@ void improper(const QQ& x, ZZ& r) {
 void storeReduced(QQ& r, bool positive, ZZ& numerator, ZZ& denominator) {
   r.isInf = false;
   div(numerator, denominator, r.ganze, numerator);
+  if (isZero(numerator)) return finishWhole(r, positive);
   std::swap(r.zaehler, numerator);
   std::swap(r.nenner, denominator);
-  r.positive = positive || isExactZero(r);
+  r.positive = positive;
 }
 
 ZZ signedPart(ZZ part, bool positive) {
@@ -390,11 +413,7 @@ void mul(const QQ& a, const QQ& b, QQ& r) {
   const bool positive = a.positive == b.positive;
   if (isWhole(a) && isWhole(b)) {
     mul(a.ganze, b.ganze, r.ganze);
-    storePart(r.zaehler, 0);
-    storePart(r.nenner, 1);
-    r.isInf = false;
-    r.positive = positive || isZero(r.ganze);
-    return;
+    return finishWhole(r, positive);
   }
   if (limitProducts) return mulLimited(a, b, r);
   static ZZ x;
@@ -443,7 +462,8 @@ void addProduct(QQ& sum, const QQ& a, const QQ& b) {
       sum.ganze.MN <= WORD_LIMBS) {
     const Limb product = p.whole * q.whole;
     const Limb before = limbs::limb(toWord(sum.ganze));
-    const Limb after = (sum.positive ? before : -before) + (p.positive == q.positive ? product : -product);
+    const Limb after =
+        (sum.positive ? before : -before) + (p.positive == q.positive ? product : -product);
     return store(sum, after >= 0, limbs::word(after < 0 ? -after : after), 0, 1);
   }
   static QQ product;

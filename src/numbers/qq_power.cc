@@ -45,7 +45,7 @@ QQ newtonRoot(const QQ& x, const ZZ& k) {
   for (;;) {
     const QQ slope = limited(wholePower(guess, k - 1));
     QQ next = limited(guess - (slope * guess - x) / (factor * slope));
-    if (isZero(next - guess) && isZero(wholePower(next, k) - x)) return next;
+    if (isZero(next - guess) && isZero(wholePower(next, k) - x)) return guess;
     guess = std::move(next);
   }
 }

@@ -1,8 +1,9 @@
 // Vexil - exact integer optimization on lattices.
 //
-// A number's text falls into pieces at its exponents, and a piece into levels at its separators: each
-// level is a whole part and, behind the separator, the rest of the piece, a number of its own. Both
-// are taken apart first and put together from the end, so that the depth of a text costs no stack.
+// A number's text falls into pieces at its exponents, and a piece into levels at its separators:
+// each level is a whole part and, behind the separator, the rest of the piece, a number of its own.
+// Both are taken apart first and put together from the end, so that the depth of a text costs no
+// stack.
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -39,11 +40,11 @@ std::string_view withoutSpaces(std::string_view text) {
 /// Takes 1 to 18 digits off the front; false if there are none, or more.
 bool takeDigits(std::string_view& text, Word& value) {
   std::size_t n = 0;
-  while (n < text.size() && isDigit(text[n])) ++n;
-  if (n == 0 || n > 2 * limbs::LIMB_DIGITS) return false;
-  value = limbs::parseWord(text.substr(0, n));
+  value = 0;
+  for (; n < text.size() && isDigit(text[n]); ++n)
+    value = value * 10 + static_cast<Word>(text[n] - '0');
   text.remove_prefix(n);
-  return true;
+  return n >= 1 && n <= WORD_LIMBS * limbs::LIMB_DIGITS;
 }
 
 bool takeChar(std::string_view& text, char c) {
@@ -135,8 +136,8 @@ void parseFraction(std::string_view numerator, std::string_view denominator, boo
   normalize(x);
 }
 
-/// Cancels the powers of one prime, at most the `exponent`-th, from both; `step` of them are told from
-/// the two lowest limbs, and their product is a limb.
+/// Cancels the powers of one prime, at most the `exponent`-th, from both; `step` of them are told
+/// from the two lowest limbs, and their product is a limb.
 void cancelPrime(ZZ& a, ZZ& b, Index exponent, Word prime, int step) {
   while (exponent > 0) {
     Word low = toWord(a);
@@ -216,8 +217,8 @@ void parsePiece(std::string_view text, QQ& x) {
 }  // namespace
 
 void parse(std::string_view text, QQ& x) {
-  text = text.substr(0, text.find('\0'));
   if (parsePlain(text, x)) return;
+  text = text.substr(0, text.find('\0'));
   std::vector<QQ> pieces;
   for (std::size_t end = text.find_first_of("eE"); end != std::string_view::npos;
        end = text.find_first_of("eE")) {

@@ -31,7 +31,8 @@ void addSigned(const ZZ& a, bool aPositive, const ZZ& b, bool bPositive, ZZ& r) 
   Index bn = limbCount(b);
   if (bn == 0) return assignNormal(a, aPositive, r);
   if (an == 0) return assignNormal(b, bPositive, r);
-  if (an == 1 && bn == 1) return assignSmall(r, signedLimb(a, aPositive) + signedLimb(b, bPositive));
+  if (an == 1 && bn == 1)
+    return assignSmall(r, signedLimb(a, aPositive) + signedLimb(b, bPositive));
   const ZZ* greater = &a;
   const ZZ* smaller = &b;
   const int order = an != bn ? (an < bn ? -1 : 1) : compareMagnitudes(a, b);
@@ -56,6 +57,16 @@ void addSigned(const ZZ& a, bool aPositive, const ZZ& b, bool bPositive, ZZ& r) 
 }
 
 }  // namespace
+
+void assignWordAnyway(ZZ& a, Word value) {
+  const Word upper = value / limbs::WORD_BASE;
+  const Word top = upper / limbs::WORD_BASE;
+  a.positive = true;
+  a.Array::resize(top != 0 ? 3 : (upper != 0 ? 2 : 1), false);
+  a.data[1] = limbs::limb(value % limbs::WORD_BASE);
+  if (upper != 0) a.data[2] = limbs::limb(upper % limbs::WORD_BASE);
+  if (top != 0) a.data[3] = limbs::limb(top);
+}
 
 ZZ::ZZ(long long value) {
   const Word magnitude = value < 0 ? 0 - static_cast<Word>(value) : static_cast<Word>(value);

@@ -12,9 +12,9 @@
 namespace vexil {
 
 /// Signed big integer. The magnitude stands in the elements 1 to `MN`, nine decimal digits in each,
-/// the least significant first. There is no zero limb at the top but that of zero itself, which is one
-/// limb 0 and positive as a result of arithmetic; a default-constructed number has no limb at all and
-/// counts as zero everywhere.
+/// the least significant first. There is no zero limb at the top but that of zero itself, which is
+/// one limb 0 and positive as a result of arithmetic; a default-constructed number has no limb at
+/// all and counts as zero everywhere.
 ///
 /// The operations take the result object, which may be one of the operands.
 class ZZ : public Array<long long> {
@@ -28,8 +28,8 @@ class ZZ : public Array<long long> {
 
   /// Multiplies by BASE^steps; zero stays.
   void base_lshift(std::int64_t steps);
-  /// Drops the `steps` lowest limbs; dropping all of them leaves `MN` 0. Fatal: "ZZ::base_rshift steps
-  /// > N".
+  /// Drops the `steps` lowest limbs; dropping all of them leaves `MN` 0. Fatal: "ZZ::base_rshift
+  /// steps > N".
   void base_rshift(std::int64_t steps);
 };
 
@@ -47,8 +47,8 @@ void add(const ZZ& a, const ZZ& b, ZZ& r);
 void sub(const ZZ& a, const ZZ& b, ZZ& r);
 void mul(const ZZ& a, const ZZ& b, ZZ& r);
 
-/// q = a / b, truncated toward zero; r has the sign of `a`. With one object for both only the quotient
-/// is made. Fatal: "ZZ::div -- division by zero".
+/// q = a / b, truncated toward zero; r has the sign of `a`. With one object for both only the
+/// quotient is made. Fatal: "ZZ::div -- division by zero".
 void div(const ZZ& a, const ZZ& b, ZZ& q, ZZ& r);
 
 /// r = a^e, with 0^0 = 1. Fatal: "[ ZZ::operator ^ ] Exponent < 0 ".
@@ -75,8 +75,8 @@ void gcd(const ZZ& a, const ZZ& b, ZZ& r);
 [[nodiscard]] std::string toString(const ZZ& a);
 void appendTo(std::string& text, const ZZ& a);
 
-/// The number made of the digits of `text`; all other characters are dropped. It is negative exactly
-/// if the first character is "-", a zero too; no digits give zero.
+/// The number made of the digits of `text`; all other characters are dropped. It is negative
+/// exactly if the first character is "-", a zero too; no digits give zero.
 void fromString(ZZ& a, std::string_view text);
 
 /// Number of decimal digits; 1 for zero.

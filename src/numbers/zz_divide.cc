@@ -1,6 +1,5 @@
 // Vexil - exact integer optimization on lattices.
 #include <algorithm>
-#include <bit>
 #include <utility>
 #include <vector>
 
@@ -70,56 +69,6 @@ void div(const ZZ& a, const ZZ& b, ZZ& q, ZZ& r) {
     divideLong(a, an, b, bn, q, r);
   }
   setSigns(q, quotientPositive, r, remainderPositive);
-}
-
-/// Stein's algorithm behind one step of Euclid's, which evens out different sizes.
-Word gcdWord(Word a, Word b) {
-  if (b == 0) return a;
-  a %= b;
-  if (a == 0) return b;
-  const int shift = std::countr_zero(a | b);
-  a >>= std::countr_zero(a);
-  b >>= std::countr_zero(b);
-  while (a != b) {
-    const Word difference = a > b ? a - b : b - a;
-    b = std::min(a, b);
-    a = difference >> std::countr_zero(difference);
-  }
-  return a << shift;
-}
-
-void gcd(const ZZ& a, const ZZ& b, ZZ& r) {
-  static ZZ u;
-  static ZZ v;
-  static ZZ quotient;
-  if (a.MN > WORD_LIMBS || b.MN > WORD_LIMBS) {
-    u = a;
-    v = b;
-    while (v.MN > WORD_LIMBS) {
-      div(u, v, quotient, u);
-      std::swap(u, v);
-    }
-    if (isZero(v)) {
-      r = u;
-      r.positive = true;
-      return;
-    }
-    div(u, v, quotient, u);
-    return assignWord(r, gcdWord(toWord(v), toWord(u)));
-  }
-  assignWord(r, gcdWord(toWord(a), toWord(b)));
-}
-
-ZZ gcd(const ZZ& a, const ZZ& b) {
-  ZZ r;
-  gcd(a, b, r);
-  return r;
-}
-
-ZZ lcm(const ZZ& a, const ZZ& b) {
-  ZZ r = a * b;
-  div(r, gcd(a, b), r, r);
-  return r;
 }
 
 ZZ mod(const ZZ& a, const ZZ& b) {

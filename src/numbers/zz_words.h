@@ -30,20 +30,15 @@ inline constexpr Index WORD_LIMBS = 2;
   return a.MN > 1 ? low + limbs::word(a.data[2]) * limbs::WORD_BASE : low;
 }
 
+/// What `assignWord` leaves: values of several limbs, and numbers without a block.
+void assignWordAnyway(ZZ& a, Word value);
+
 /// Makes `a` the non-negative `value`.
 inline void assignWord(ZZ& a, Word value) {
+  if (value >= limbs::WORD_BASE || a.capacity == 0) return assignWordAnyway(a, value);
   a.positive = true;
-  if (value < limbs::WORD_BASE) {
-    a.Array::resize(1, false);
-    a.data[1] = limbs::limb(value);
-    return;
-  }
-  const Word upper = value / limbs::WORD_BASE;
-  const bool two = upper < limbs::WORD_BASE;
-  a.Array::resize(two ? 2 : 3, false);
-  a.data[1] = limbs::limb(value % limbs::WORD_BASE);
-  a.data[2] = limbs::limb(two ? upper : upper % limbs::WORD_BASE);
-  if (!two) a.data[3] = limbs::limb(upper / limbs::WORD_BASE);
+  a.MN = 1;
+  a.data[1] = limbs::limb(value);
 }
 
 inline void setZero(ZZ& a) { assignWord(a, 0); }

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -40,14 +41,38 @@ String nextName() {
          std::to_string(counter++);
 }
 
+/// Holds back all signals. One that ended the process between the making of a name and its entry
+/// into the list, or inside `sem_open`, which starts with a file of another name, would leave that
+/// behind.
+class SignalHold {
+ public:
+  SignalHold() {
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_BLOCK, &all, &before_);
+  }
+  SignalHold(const SignalHold&) = delete;
+  SignalHold& operator=(const SignalHold&) = delete;
+  ~SignalHold() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+
+ private:
+  sigset_t before_{};
+};
+
 void printSystemError() { std::cerr << "ERRNO = " << std::strerror(errno); }
 
 }  // namespace
 
 NamedSemaphore::NamedSemaphore() {
-  open();
+  do {
+    name = nextName();
+    open();
+  } while (semaphore == SEM_FAILED && errno == EEXIST);
+  if (semaphore == SEM_FAILED) {
+    printSystemError();
+    fail("SEM could not be opened");
+  }
   if (semaphore == nullptr) fail("No semaphore available for lock!");
-  enterList();
 }
 
 NamedSemaphore::~NamedSemaphore() {
@@ -63,14 +88,9 @@ NamedSemaphore::~NamedSemaphore() {
 }
 
 void NamedSemaphore::open() {
-  do {
-    name = nextName();
-    semaphore = sem_open(name.c_str(), O_CREAT | O_EXCL, MODE, 1U);
-  } while (semaphore == SEM_FAILED && errno == EEXIST);
-  if (semaphore == SEM_FAILED) {
-    printSystemError();
-    fail("SEM could not be opened");
-  }
+  const SignalHold hold;
+  semaphore = sem_open(name.c_str(), O_CREAT | O_EXCL, MODE, 1U);
+  if (semaphore != SEM_FAILED) enterList();
 }
 
 void NamedSemaphore::enterList() {

@@ -1,6 +1,8 @@
 // Vexil - exact integer optimization on lattices.
 #pragma once
 
+#include <vector>
+
 #include "solutions/star.h"
 
 namespace vexil {
@@ -83,15 +85,42 @@ void sort(Array<Star<T>>& stars) {
   }
 }
 
+namespace detail {
+
+/// The first elements of all stars, side by side: most pairs differ there, and a search through all
+/// pairs then stays within the cache. Empty where that decides nothing, for stars that are empty or
+/// of different dimensions.
+template <typename T>
+std::vector<T> firstElements(const Array<Star<T>>& stars) {
+  std::vector<T> firsts;
+  for (const Star<T>& star : stars.elements()) {
+    if (star.MN == 0 || star.MN != stars.data[1].MN) return {};
+    firsts.push_back(star.data[1]);
+  }
+  return firsts;
+}
+
+}  // namespace detail
+
 template <typename T>
 void removeDuplicates(Array<Star<T>>& stars, bool compareParams) {
+  std::vector<T> firsts = detail::firstElements(stars);
+  const auto at = [&firsts](std::int64_t i) -> T& {
+    return firsts[static_cast<std::size_t>(i - 1)];
+  };
+  const auto areDuplicates = [&](std::int64_t i, std::int64_t j) {
+    if (!firsts.empty() && at(i) != at(j) && !isZero<T>(at(i) - at(j))) return false;
+    const Star<T>& a = stars.data[i];
+    const Star<T>& b = stars.data[j];
+    return a == b && (!compareParams || a.paramText == b.paramText);
+  };
   for (std::int64_t i = 1; i <= stars.MN; ++i) {
-    const Star<T>& first = stars.data[i];
     std::int64_t kept = i;
     for (std::int64_t j = i + 1; j <= stars.MN; ++j) {
-      const Star<T>& other = stars.data[j];
-      if (first == other && (!compareParams || first.paramText == other.paramText)) continue;
-      if (++kept != j) stars.data[kept] = std::move(stars.data[j]);
+      if (areDuplicates(i, j)) continue;
+      if (++kept == j) continue;
+      stars.data[kept] = std::move(stars.data[j]);
+      if (!firsts.empty()) at(kept) = at(j);
     }
     stars.resize(kept, false);
   }

@@ -1,0 +1,168 @@
+// Vexil - exact integer optimization on lattices.
+#include "foundation/matrix.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "numbers/qq_vectors.h"
+
+namespace vexil {
+namespace {
+
+using testing::ExitedWithCode;
+
+template <typename Container>
+Container parsed(const std::string& text) {
+  std::stringstream in(text);
+  Container result;
+  result.read(in);
+  return result;
+}
+
+template <typename Value>
+std::string textOf(const Value& value) {
+  std::ostringstream out;
+  out << value;
+  return out.str();
+}
+
+template <typename T>
+class Containers : public testing::Test {
+ public:
+  static Vector<T> vector(const std::string& text) { return parsed<Vector<T>>(text); }
+  static Matrix<T> matrix(const std::string& text) { return parsed<Matrix<T>>(text); }
+};
+using NumberTypes = testing::Types<dbl_t, QQ>;
+TYPED_TEST_SUITE(Containers, NumberTypes);
+
+TYPED_TEST(Containers, ReadAndWriteVectors) {
+  const std::vector<std::pair<std::string, std::string>> cases = {
+      {"[ ]", "[ ]"},
+      {"garbage", "[ ]"},
+      {"[1 -2\n3]", "[ 1 -2 3 ]"},
+      {"[ inf -inf 2 ]", "[ inf -inf 2 ]"},
+      {" /* a comment */ [ 1 // rest of line\n2 ]", "[ 1 2 ]"},
+      {"[ - 5 ]", "[ -5 ]"},
+      {"[ --5 +3 ]", "[ 5 3 ]"},
+  };
+  for (const auto& [text, written] : cases) EXPECT_EQ(textOf(this->vector(text)), written) << text;
+}
+
+TYPED_TEST(Containers, RefuseMalformedVectors) {
+  EXPECT_EXIT(this->vector("[ ix ]"), ExitedWithCode(1), "Vector: bad input2");
+  EXPECT_EXIT(this->vector("[ inx ]"), ExitedWithCode(1), "Vector: bad input3");
+  const char* const expected =
+      std::is_same_v<TypeParam, QQ> ? "QQ: parse error1" : "Vector: bad input";
+  EXPECT_EXIT(this->vector("[ 1 x ]"), ExitedWithCode(1), expected);
+  EXPECT_EXIT(this->vector("[ 1 2"), ExitedWithCode(1), expected);
+  std::istringstream failed;
+  failed.setstate(std::ios::failbit);
+  Vector<TypeParam> v;
+  EXPECT_THROW(v.read(failed), ReadException);
+  Matrix<TypeParam> m;
+  EXPECT_EXIT(m.read(failed), ExitedWithCode(1), "Matrix: bad stream");
+}
+
+TYPED_TEST(Containers, ReadMatrices) {
+  Matrix<TypeParam> m = this->matrix("[ [1 2] [3 4] ]");
+  EXPECT_EQ(textOf(m), "[\n[ 1 2 ]\n[ 3 4 ]\n]");
+  EXPECT_EQ(textOf(this->matrix("[ [1 2 3] [4 5] [6] ]")), "[\n[ 1 2 3 ]\n[ 4 5 0 ]\n[ 6 ]\n]");
+  m = this->matrix("[ ]");
+  EXPECT_EQ(m.rowCount + m.columnCount, 0);
+  EXPECT_FALSE(m.notEmpty());
+  EXPECT_EQ(this->matrix("[ [] [] ]").rowCount, 0);
+  EXPECT_EXIT(this->matrix("[ [1 2] [3 4 5] ]"), ExitedWithCode(1),
+              "Matrix row dimension mismatch");
+  EXPECT_EXIT(this->matrix("[ 1 2 ]"), ExitedWithCode(1), "Matrix: bad input");
+  EXPECT_THROW(this->matrix("[ [1 2] "), ReadException);
+}
+
+TYPED_TEST(Containers, CompareWithinTheTolerance) {
+  using T = TypeParam;
+  const auto pair = [](const T& second) {
+    Vector<T> v;
+    v.resize(2, false);
+    v[1] = T(1);
+    v[2] = second;
+    return v;
+  };
+  const T tiny = T(1) / T(10000000000LL);
+  EXPECT_TRUE(pair(T(2)) == pair(T(2) + tiny));
+  EXPECT_FALSE(pair(T(2)) == pair(T(2) + tiny * T(100)));
+  EXPECT_FALSE(pair(T(2)) >= pair(T(2) + tiny));
+  EXPECT_TRUE(pair(T(2)) <= pair(T(2) + tiny));
+  const T infinity = NumberTraits<T>::infinity();
+  EXPECT_TRUE(pair(infinity) == pair(infinity));
+  EXPECT_FALSE(pair(infinity) == pair(-infinity));
+}
+
+TYPED_TEST(Containers, CheckDimensionsFirst) {
+  const auto a = this->vector("[ 1 2 ]");
+  const auto b = this->vector("[ 1 2 3 ]");
+  auto c = a;
+  const auto A = this->matrix("[ [1 2] [3 4] ]");
+  auto C = this->matrix("[ [1 2 3] ]");
+  const auto message = [](int number) {
+    return "Vector: dimension mismatch" + std::to_string(number) + "\n";
+  };
+  EXPECT_EXIT(c += b, ExitedWithCode(1), message(1));
+  EXPECT_EXIT(c -= b, ExitedWithCode(1), message(2));
+  EXPECT_EXIT(c *= b, ExitedWithCode(1), message(3));
+  EXPECT_EXIT(c /= b, ExitedWithCode(1), message(4));
+  EXPECT_EXIT(static_cast<void>(a + b), ExitedWithCode(1), message(5));
+  EXPECT_EXIT(static_cast<void>(a - b), ExitedWithCode(1), message(6));
+  EXPECT_EXIT(static_cast<void>(a * b), ExitedWithCode(1), message(8));
+  EXPECT_EXIT(static_cast<void>(a == b), ExitedWithCode(1), message(9));
+  EXPECT_EXIT(static_cast<void>(a >= b), ExitedWithCode(1), message(10));
+  EXPECT_EXIT(static_cast<void>(a <= b), ExitedWithCode(1), message(11));
+  EXPECT_EXIT(static_cast<void>(A * b), ExitedWithCode(1), "mat-vec multiplication dimension");
+  EXPECT_EXIT(static_cast<void>(b * A), ExitedWithCode(1), "vector-matrix dimension mismatch");
+  EXPECT_EXIT(static_cast<void>(A * C), ExitedWithCode(1), "Matrix: dimension mismatch6");
+  EXPECT_EXIT(C *= C, ExitedWithCode(1), "Matrix: dimension mismatch3");
+  EXPECT_EXIT(C.swapRows(1, 2), ExitedWithCode(1), "Matrix: row swap index out of range");
+  EXPECT_EXIT(C.resize(-1, 2, false), ExitedWithCode(1), "Matrix: invalid size");
+  EXPECT_EXIT(static_cast<void>(C.determinant()), ExitedWithCode(1), "a non-quadratic matrix");
+}
+
+TYPED_TEST(Containers, Multiply) {
+  const auto A = this->matrix("[ [1 2 3] [4 5 6] ]");
+  auto B = this->matrix("[ [1 0] [0 2] [1 1] ]");
+  EXPECT_EQ(textOf(A * this->vector("[ 1 0 -1 ]")), "[ -2 -2 ]");
+  EXPECT_EQ(textOf(this->vector("[ 2 -1 ]") * A), "[ -2 -1 0 ]");
+  EXPECT_EQ(textOf(A * B), "[\n[ 4 7 ]\n[ 10 16 ]\n]");
+  B *= A;
+  EXPECT_EQ(textOf(B), "[\n[ 1 2 3 ]\n[ 8 10 12 ]\n[ 5 7 9 ]\n]");
+  // A row with a zero factor is not looked at, whatever it holds.
+  EXPECT_EQ(textOf(this->vector("[ 0 1 ]") * this->matrix("[ [inf 1] [2 3] ]")), "[ 2 3 ]");
+}
+
+TYPED_TEST(Containers, HaveDeterminants) {
+  const std::vector<std::pair<const char*, int>> cases = {
+      {"[ ]", 1},
+      {"[ [1 2] [2 4] ]", 0},
+      {"[ [0 1] [1 0] ]", -1},
+      {"[ [2 0 1] [4 1 3] [6 5 8] ]", 0},
+      {"[ [2 0 1] [4 1 3] [8 5 8] ]", -2},
+  };
+  for (const auto& [text, determinant] : cases) {
+    const TypeParam difference = this->matrix(text).determinant() - TypeParam(determinant);
+    EXPECT_TRUE(isZero(difference)) << text;
+  }
+}
+
+TYPED_TEST(Containers, ResizeKeepsRows) {
+  auto m = this->matrix("[ [1] [2] [3] [4] [5] ]");
+  m.resize(3, 4, false);
+  EXPECT_EQ(m.rowCount, 5);
+  EXPECT_EQ(m[5].MN, 4);
+  m.setSize(2, 1);
+  EXPECT_EQ(textOf(m), "[\n[ 1 ]\n[ 2 ]\n]");
+  Matrix<TypeParam> copy = m;
+  m.swapRows(1, 2);
+  EXPECT_EQ(textOf(copy), "[\n[ 1 ]\n[ 2 ]\n]");
+  EXPECT_EQ(textOf(m[1]), "[ 2 ]");
+}
+
+}  // namespace
+}  // namespace vexil

@@ -1,0 +1,155 @@
+// Vexil - exact integer optimization on lattices.
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <sstream>
+
+#include "foundation/array.h"
+#include "foundation/exceptions.h"
+#include "foundation/random.h"
+#include "foundation/text_streams.h"
+#include "foundation/trace.h"
+#include "foundation/write_guard.h"
+
+namespace vexil {
+namespace {
+
+TEST(String, SplitsAsALineReaderDoes) {
+  const auto joinedPieces = [](const String& text) {
+    std::string result;
+    for (const String& piece : text.split('|').elements()) result += "<" + piece + ">";
+    return result;
+  };
+  EXPECT_EQ(joinedPieces("a|b|"), "<a><b>");
+  EXPECT_EQ(joinedPieces("a||b"), "<a><><b>");
+  EXPECT_EQ(joinedPieces("|"), "<>");
+  EXPECT_EQ(joinedPieces(""), "");
+}
+
+TEST(String, HasItsOperations) {
+  EXPECT_EQ(String("aaa").replaceAll("a", "aa"), "aaaaaa");
+  EXPECT_EQ(String("run.1/x.y.sol").regexReplace("\\.[^./]*$", ""), "run.1/x.y");
+  EXPECT_EQ(String(" \t\f").trim(WHITE_SPACE), "");
+  EXPECT_EQ(String(" a b ").trimLeft(" "), "a b ");
+  EXPECT_EQ(String(" a b ").trimRight(" "), " a b");
+  EXPECT_EQ(String("x ").trim(""), "x ");
+  EXPECT_TRUE(String(".sol").endsWith(".sol") && String("x").endsWith(""));
+  EXPECT_FALSE(String("sol").endsWith(".sol") || String("a.SOL").endsWith(".sol"));
+  EXPECT_EQ(String("aBc").toLower() + String("aBc").toUpper(), "abcABC");
+}
+
+TEST(TextStreams, SkipBlanksAndComments) {
+  struct Case {
+    const char* text;
+    char next;
+  };
+  for (const Case& c : {Case{" /* x */ // y\n /**/z", 'z'},
+                        {"/*/ */z", 'z'},
+                        {"/x", 'x'},
+                        {"/* * / **/z", 'z'},
+                        {"\r\n\tz", 'z'},
+                        {"//\nz", 'z'}}) {
+    std::stringstream in(c.text);
+    int peeked = 0;
+    skipBlanks(in, BLANKS, &peeked);
+    EXPECT_TRUE(nextIs(in, c.next)) << c.text;
+    EXPECT_EQ(peeked, c.next) << c.text;
+  }
+}
+
+TEST(TextStreams, TakeBarAndTheEnd) {
+  std::stringstream in(" /* a */ |x");
+  EXPECT_TRUE(takeBar(in));
+  EXPECT_FALSE(takeBar(in));
+  EXPECT_EQ(in.get(), 'x');
+  skipChars(in, BLANKS, true);
+  EXPECT_TRUE(in.eof() && !in.fail());
+  skipBlanks(in);
+  EXPECT_TRUE(in.fail());
+  std::stringstream one("  x");
+  EXPECT_TRUE(skipChars(one, BLANKS, false));
+  EXPECT_EQ(one.str().size() - static_cast<std::size_t>(one.tellg()), 2U);
+}
+
+/// Each test of the trace log starts and ends at level 0 with nothing open.
+class Trace : public testing::Test {
+ protected:
+  void SetUp() override {
+    traceDepth = 0;
+    traceLineOpen = {};
+    traceLineClosed = {};
+  }
+  void TearDown() override { SetUp(); }
+};
+
+TEST_F(Trace, IndentsNestedLines) {
+  std::ostringstream log;
+  log << traceBegin() << " heading" << traceNewline();
+  log << traceBegin() << " line" << traceEnd(false);
+  log << traceBegin() << " open";
+  log << traceBegin() << " nested" << traceEnd(false);
+  log << traceEnd(false) << traceEnd(true);
+  log << traceBegin() << " waiting"
+      << " result" << traceEnd(false);
+  EXPECT_EQ(
+      log.str(),
+      "|-> heading\n|    |-> line\n|    |-> open\n|    |    |-> nested\n|-> waiting result\n");
+  EXPECT_EQ(traceEnd(false), "");
+  EXPECT_EQ(traceDepth, 0);
+}
+
+TEST_F(Trace, EndsQuietlyBehindAClosedHeading) {
+  traceDepth = 1;
+  traceLineOpen[1] = traceLineClosed[1] = 1;
+  EXPECT_EQ(traceEnd(true), "");
+  traceDepth = 1;
+  traceLineOpen[1] = 1;
+  EXPECT_EQ(traceEnd(true), "\n");
+}
+
+TEST_F(Trace, HasALimit) {
+  for (int i = 0; i < 127; ++i) static_cast<void>(traceBegin());
+  EXPECT_EQ(traceDepth, 127);
+  EXPECT_EXIT(static_cast<void>(traceBegin()), testing::ExitedWithCode(1),
+              "^\n\\*\\*\\* FAIL: Maximum thread depth reached\n$");
+}
+
+TEST(Exceptions, CarryTheTextOfTheirClass) {
+  EXPECT_STREQ(ReadException().what(), "Read exception");
+  EXPECT_STREQ(PrecisionException().what(), "Precision exception");
+  EXPECT_STREQ(PreCommaPrecisionException("x").what(), "PreCommaPrecision exception: x");
+  EXPECT_STREQ(PostCommaPrecisionException().what(), "PostCommaPrecision exception");
+  EXPECT_STREQ(FatalPrecisionException().what(), "FatalPrecisionException exception");
+  EXPECT_STREQ(RestartException("y").what(), "y");
+  EXPECT_STREQ(DependencyException().what(), "Dependency exception");
+}
+
+volatile std::sig_atomic_t interrupts = 0;
+
+TEST(WriteGuard, DefersASignalAndTurnsItIntoTermination) {
+  EXPECT_EXIT(
+      {
+        beginGuardedWrite();
+        std::raise(SIGINT);
+        std::fputs("complete", stderr);
+        endGuardedWrite();
+        std::fputs("not reached", stderr);
+      },
+      testing::KilledBySignal(SIGTERM), "^complete$");
+}
+
+TEST(WriteGuard, PutsTheEarlierHandlersBack) {
+  const auto earlier = std::signal(SIGINT, [](int) { interrupts = interrupts + 1; });
+  { const WriteGuard guard; }
+  std::raise(SIGINT);
+  EXPECT_EQ(interrupts, 1);
+  std::signal(SIGINT, earlier);
+}
+
+TEST(Random, ReturnsTheSeed) {
+  EXPECT_EQ(seedRandom(42), 42U);
+  EXPECT_NE(seedRandom(0), seedRandom(0));
+}
+
+}  // namespace
+}  // namespace vexil

@@ -1,0 +1,94 @@
+// Vexil - exact integer optimization on lattices.
+//
+// The guarded attempts of the front object, with precision failures forced from within.
+#include <gtest/gtest.h>
+
+#include <type_traits>
+
+#include "frontend/ylattice.h"
+
+namespace vexil {
+namespace {
+
+class Precision : public testing::Test {
+ protected:
+  Precision() {
+    traceDepth = 0;
+    traceLineOpen = {};
+    traceLineClosed = {};
+    auto& program = front.standard.program;
+    program.solStars.resize(3, false);
+    for (long i = 1; i <= 3; ++i) {
+      program.solStars[i].resize(1, false);
+      program.solStars[i][1] = static_cast<dbl_t>(i);
+    }
+  }
+
+  /// Fails in standard precision only, five trace levels deep and with a star removed.
+  static int failing(auto& lattice) {
+    lattice.program.solStars.removeElement(1);
+    if constexpr (std::is_same_v<std::decay_t<decltype(lattice)>, Lattice<dbl_t, dbl_t>>) {
+      for (int i = 0; i < 5; ++i) static_cast<void>(traceBegin());
+      throw PrecisionException("forced");
+    }
+    seenDepth = traceDepth;
+    return static_cast<int>(lattice.program.solStars.MN);
+  }
+
+  static inline std::int64_t seenDepth = -1;
+  YLattice<dbl_t> front;
+};
+
+TEST_F(Precision, RollsBackAndRepeatsInExtended) {
+  traceDepth = 2;
+  EXPECT_EQ(front.guarded([](auto& lattice) { return failing(lattice); }), 2);
+  EXPECT_EQ(seenDepth, 2);
+  EXPECT_EQ(traceDepth, 2);
+  EXPECT_FALSE(front.isExtended);
+  EXPECT_EQ(front.standard.program.solStars.MN, 2);
+  EXPECT_EQ(front.standard.program.solStars[1][1], 2);
+}
+
+TEST_F(Precision, StaysExtendedWhereANumberDoesNotFit) {
+  front.switchToExtended();
+  front.extended.program.solStars[2][1] = QQ("123456789012345678");
+  EXPECT_EQ(front.guarded([](auto& lattice) { return failing(lattice); }), 2);
+  EXPECT_TRUE(front.isExtended);
+  EXPECT_EQ(joined(front.extended.program.solStars[1]), "[ 123456789012345678 ]");
+  EXPECT_THROW(front.switchToStandard(), PrecisionException);
+  EXPECT_TRUE(front.isExtended);
+}
+
+TEST_F(Precision, LetsOtherExceptionsPass) {
+  EXPECT_THROW(front.guarded([](auto&) { throw ReadException(); }), ReadException);
+  EXPECT_FALSE(front.isExtended);
+}
+
+TEST_F(Precision, TracesTheSwitches) {
+  front.standard.params.verb.set(2);
+  testing::internal::CaptureStdout();
+  front.switchToExtended();
+  front.switchToExtended();
+  front.switchToStandard();
+  front.guarded([](auto& lattice) { return failing(lattice); });
+  EXPECT_EQ(testing::internal::GetCapturedStdout(),
+            "|-> Switching to extended precision\n|-> Using standard precision\n"
+            "\n|    |    |    |    |    |-> Switching to extended precision\n"
+            "|-> Using standard precision\n");
+}
+
+TEST_F(Precision, ChecksEveryOtherStarOfNeighboursThatFail) {
+  auto& program = front.standard.program;
+  program.lx.resize(1, false);
+  program.rx.resize(1, false);
+  program.lx[1] = 3;
+  program.rx[1] = 9;
+  EXPECT_FALSE(front.checkStars());
+  ASSERT_EQ(program.solStars.MN, 2);
+  EXPECT_EQ(program.solStars[1][1] + 10 * program.solStars[2][1], 32);
+  program.solStars.clear();
+  EXPECT_TRUE(front.checkStars());
+}
+
+}  // namespace
+}  // namespace vexil

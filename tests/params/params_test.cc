@@ -1,0 +1,172 @@
+// Vexil - exact integer optimization on lattices.
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <vector>
+
+#include "foundation/failure.h"
+#include "params/extended_params.h"
+
+namespace vexil {
+namespace {
+
+using testing::ExitedWithCode;
+
+/// The options without a lattice.
+template <typename T>
+struct Options : ExtendedParams<T> {
+  Options() = default;
+
+  [[nodiscard]] std::string text() const { return joined(*this); }
+
+  /// Reads `line` and returns what stays in the stream.
+  std::string readLine(const std::string& line) {
+    std::istringstream in(line);
+    in >> *this;
+    in.clear();
+    return {std::istreambuf_iterator<char>(in), {}};
+  }
+};
+
+const std::string DEFAULTS =
+    "--help=0 --verb=0 --consistency=0 --eenum=1 --beta=20 --eprune=3 --btime=0 --deep=0 "
+    "--collectLimit=100 --pair=1 --pairLimit=10 --sieve=0 --sample=0 --sampleLimit=1000 --scale=0 "
+    "--translate=0 --reinsert=1 --variate=1 --rtime=0 --iters=-1 --sol=1 --bench=0 --snorm=-1 "
+    "--tnorm=-inf";
+
+template <typename T>
+class ParamsTest : public testing::Test {};
+using NumberTypes = testing::Types<dbl_t, QQ>;
+TYPED_TEST_SUITE(ParamsTest, NumberTypes);
+
+TYPED_TEST(ParamsTest, Lines) {
+  Options<TypeParam> options;
+  EXPECT_EQ(options.text(), DEFAULTS);
+  options.readLine(DEFAULTS);
+  EXPECT_EQ(options.text(), DEFAULTS);
+  EXPECT_EQ(options.names.MN, 24);
+  EXPECT_TRUE(options.tnorm.current == -NumberTraits<TypeParam>::infinity());
+
+  EXPECT_EQ(
+      options.readLine(" \t/* c */ x-verb=2 /* c */--beta=10\t --rtime=4 --tnorm=3 // c\n--sol=7"),
+      "\n--sol=7");
+  EXPECT_EQ(options.verb, 2L);
+  EXPECT_EQ(options.beta, 10L);
+  EXPECT_TRUE(options.tnorm.current == TypeParam(3));
+  EXPECT_EQ(options.beta.defaultText, "20");
+  EXPECT_EQ(options.beta.initial, 20);
+  EXPECT_EQ(options.text(), String(DEFAULTS)
+                                .replaceAll("verb=0", "verb=2")
+                                .replaceAll("beta=20", "beta=10")
+                                .replaceAll("rtime=0", "rtime=4")
+                                .replaceAll("-inf", "3"));
+
+  options.readLine("--verb= --rtime=");
+  EXPECT_EQ(options.text().find("--verb"), std::string::npos);
+  EXPECT_EQ(options.verb, 2L);
+  EXPECT_EQ(options.rtime.current.get(), 4);
+}
+
+TYPED_TEST(ParamsTest, EmptyLineEmptiesTheTable) {
+  Options<TypeParam> options;
+  Options<TypeParam> copy;
+  EXPECT_EQ(options.readLine(" \t/* c */\n--sol=7"), "\n--sol=7");
+  EXPECT_EQ(options.table.MN, 0);
+  EXPECT_EQ(options.text(), "");
+  copy.assign(options);
+  EXPECT_EQ(copy.text(), "");
+  copy.assign(Options<TypeParam>());
+  EXPECT_EQ(copy.text(), DEFAULTS);
+}
+
+TEST(Params, TypedValues) {
+  struct Case {
+    const char* text;
+    bool flag;
+    long whole;
+    unsigned long size;
+    float fraction;
+    dbl_t number;
+  };
+  constexpr auto huge = std::numeric_limits<float>::infinity();
+  constexpr auto most = std::numeric_limits<unsigned long>::max();
+  const std::vector<Case> cases = {
+      {"inf", true, HUGE_LONG, most, huge, INF_F},
+      {"-inf", true, std::numeric_limits<long>::min(), 0, -huge, -INF_F},
+      {"0", false, 0, 0, 0, 0},
+      {"1", true, 1, 1, 1, 1},
+      {"1.5", true, 1, 1, 1.5F, 1.5L},
+      {"99999999999999999999999", true, HUGE_LONG, most, 1e23F, 99999999999999999999999.0L},
+      {"x", false, 0, 0, 0, 0},
+  };
+  for (const Case& c : cases) {
+    Options<dbl_t> options;
+    const std::string text = c.text;
+    options.readLine(joined("--help=", text, " --iters=", text, " --pairLimit=", text,
+                            " --rtime=", text, " --bench=", text, " --snorm=", text));
+    EXPECT_EQ(options.help, c.flag) << text;
+    EXPECT_EQ(options.iters, c.whole) << text;
+    EXPECT_EQ(options.rtime.current.get(), c.whole) << text;
+    EXPECT_EQ(options.pairLimit, c.size) << text;
+    EXPECT_EQ(options.bench, c.fraction) << text;
+    EXPECT_EQ(options.snorm, c.number) << text;
+    EXPECT_EQ(options.rtime.value.get(), text);
+  }
+}
+
+TEST(ParamsDeathTest, MalformedWords) {
+  const std::vector<std::pair<const char*, const char*>> cases = {
+      {"--verb", "verb"}, {"--verb=1 --", ""},      {"--verb=1\r\n", ""},
+      {"", ""},           {"--speed=1", "speed=1"}, {"--=", "="},
+  };
+  for (const auto& [line, word] : cases) {
+    Options<dbl_t> options;
+    EXPECT_EXIT(options.readLine(line), ExitedWithCode(1),
+                joined("^\n\\*\\*\\* FAIL: Malformed parameter: ", word, "\n$"));
+  }
+}
+
+TEST(Params, SetCallsBackWithTheTextInPlace) {
+  Options<dbl_t> options;
+  std::string calls;
+  const auto note = [&](const String& text) {
+    calls += joined(text, options.scale.value.get(), options.scale.current, " ");
+  };
+  options.scale.setOnChange(note);
+  options.scale.set(true);
+  options.readLine("--scale=0");
+  options.assign(Options<dbl_t>());
+  options.scale.set(false);
+  EXPECT_EQ(calls, "111 000 ");
+  options.snorm.set(1.0L / 3);
+  EXPECT_EQ(options.snorm.value.get(), "0.333333");
+  EXPECT_EQ(options.snorm, 0.333333L);
+  EXPECT_TRUE(options.scale.isBool());
+  EXPECT_FALSE(options.rtime.isBool());
+}
+
+TEST(Params, AssignBetweenNumberTypes) {
+  Options<QQ> exact;
+  Options<dbl_t> standard;
+  Options<QQ> back;
+  exact.readLine("--snorm=1234567:1/4 --tnorm=-inf --verb=2 --rtime=5");
+  exact.cellsEnabled.set(true);
+  const std::string line = exact.text();
+  standard.assign(exact);
+  EXPECT_EQ(standard.text(), String(line).replaceAll("1234567:1/4", "1234567.25"));
+  EXPECT_EQ(standard.snorm, 1234567.25L);
+  EXPECT_EQ(standard.tnorm, -INF_F);
+  EXPECT_EQ(standard.snorm.initial, -1);
+  EXPECT_EQ(standard.rtime.current.get(), 5);
+  EXPECT_TRUE(standard.cellsEnabled);
+  EXPECT_TRUE(*standard.table.find("verb") == &standard.verb);
+  back.assign(standard);
+  EXPECT_EQ(back.text(), line);
+  EXPECT_EQ(back.snorm.current, exact.snorm.current);
+
+  exact.readLine("--snorm=1234567890123456789012");
+  EXPECT_THROW(standard.assign(exact), PrecisionException);
+}
+
+}  // namespace
+}  // namespace vexil

@@ -1,0 +1,202 @@
+// Vexil - exact integer optimization on lattices.
+#include "solutions/star.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "foundation/set.h"
+#include "solutions/heuristic_vector.h"
+#include "solutions/right_order_pair.h"
+#include "solutions/stage.h"
+#include "solutions/star.tcc"
+#include "solutions/target_vector.h"
+
+namespace vexil {
+namespace {
+
+/// A star from its elements and what orders stars.
+template <typename T>
+Star<T> star(const std::string& elements, long targetNorm = 0, long slackNorm = 0,
+             std::int64_t time = -1, const std::string& version = "",
+             const std::string& params = "") {
+  Star<T> result;
+  std::stringstream in(elements);
+  result.read(in);
+  result.targetNorm = T(targetNorm);
+  result.slackNorm = T(slackNorm);
+  result.time = time;
+  result.version = version;
+  result.paramText = params;
+  return result;
+}
+
+TEST(Stars, CompareVersionsByComponent) {
+  struct Case {
+    const char *a, *b;
+    int order;
+  };
+  for (const Case& c : {Case{"2.10.0", "2.9.1", 1},
+                        {"2.2", "2.2.0", 0},
+                        {"", "", 0},
+                        {"", "0.0", 0},
+                        {"2", "3", -1},
+                        {"1.x", "1.72", 0},
+                        {".1", "0.1", 0}}) {
+    EXPECT_EQ(compareVersions(c.a, c.b), c.order) << c.a << " " << c.b;
+    EXPECT_EQ(compareVersions(c.b, c.a), -c.order) << c.b << " " << c.a;
+  }
+}
+
+template <typename T>
+class StarOrder : public testing::Test {};
+using NumberTypes = testing::Types<dbl_t, QQ>;
+TYPED_TEST_SUITE(StarOrder, NumberTypes);
+
+TYPED_TEST(StarOrder, GoesByTheFirstDifference) {
+  using T = TypeParam;
+  const std::vector<std::pair<Star<T>, Star<T>>> ordered = {
+      {star<T>("[ 9 ]", -2, 5), star<T>("[ 1 ]", -1, 0)},
+      {star<T>("[ 9 ]", 1, 0), star<T>("[ 1 ]", 1, 1)},
+      {star<T>("[ 9 ]", 0, 0, 5), star<T>("[ 1 ]", 0, 0, -1)},
+      {star<T>("[ 9 ]", 0, 0, 5), star<T>("[ 1 ]", 0, 0, 6)},
+      {star<T>("[ 9 ]", 0, 0, 5, "2.10"), star<T>("[ 1 ]", 0, 0, 5, "2.9")},
+      {star<T>("[ 10 ]"), star<T>("[ 9 ]")},
+      {star<T>("[ 5 7 ]"), star<T>("[ 57 ]")},
+      {star<T>("[ 5 7 ]"), star<T>("[ 5 ]")},
+      {star<T>("[ 5 ]"), star<T>("[ 5 inf ]")},
+      {star<T>("[ -5 ]"), star<T>("[ 5 ]")},
+      {star<T>("[ 5 ]", 0, 0, -1, "", "a"), star<T>("[ 5 ]", 0, 0, -1, "", "b")},
+  };
+  for (const auto& [a, b] : ordered) {
+    EXPECT_TRUE(a < b) << a << b;
+    EXPECT_FALSE(b < a) << a << b;
+  }
+  const auto same = star<T>("[ 5 ]", 0, 0, -1, "", "a");
+  EXPECT_FALSE(same < same);
+  // The greater text with the smaller options still comes first, from both sides.
+  EXPECT_TRUE(star<T>("[ 9 ]", 0, 0, -1, "", "a") < star<T>("[ 1 ]", 0, 0, -1, "", "b"));
+  EXPECT_TRUE(star<T>("[ 1 ]", 0, 0, -1, "", "b") < star<T>("[ 9 ]", 0, 0, -1, "", "a"));
+  // An older version is followed by the options alone.
+  EXPECT_TRUE(star<T>("[ 9 ]", 0, 0, -1, "1", "a") < star<T>("[ 1 ]", 0, 0, -1, "2", "b"));
+  EXPECT_TRUE(star<T>("[ 1 ]", 0, 0, -1, "2", "b") < star<T>("[ 9 ]", 0, 0, -1, "1", "a"));
+}
+
+TYPED_TEST(StarOrder, SortsAndDropsDuplicates) {
+  using T = TypeParam;
+  Array<Star<T>> stars;
+  stars.resize(60, false);
+  for (long i = 1; i <= 60; ++i) {
+    stars[i] = star<T>("[ " + std::to_string(i % 20) + " ]", (i * 37) % 20, 0, i, "",
+                       i % 40 < 20 ? "p" : "q");
+  }
+  sort(stars);
+  for (long i = 2; i <= 60; ++i) EXPECT_FALSE(stars[i] < stars[i - 1]) << i;
+  removeDuplicates(stars, true);
+  EXPECT_EQ(stars.MN, 40);
+  removeDuplicates(stars, false);
+  ASSERT_EQ(stars.MN, 20);
+  for (long i = 1; i <= 20; ++i) EXPECT_EQ(stars[i].time, ((i - 1) * 13 + 19) % 20 + 1) << i;
+}
+
+TEST(Stars, AreDuplicatesWithinTheTolerance) {
+  Array<Star<QQ>> stars;
+  stars.resize(3, false);
+  stars[1] = star<QQ>("[ 1 ]");
+  stars[2] = star<QQ>("[ 1:1/20000000000 ]");
+  stars[3] = star<QQ>("[ 1:1/200000000 ]");
+  removeDuplicates(stars, true);
+  EXPECT_EQ(stars.MN, 2);
+}
+
+TEST(Stars, ConvertByTheRuleOfVectors) {
+  Star<QQ> exact = star<QQ>("[ 1/3 2 ]", 1, 0, 7, "2.2.3", "--verb=0");
+  exact.targetNorm = QQ("7:1/3");
+  Star<dbl_t> rounded;
+  convert(exact, rounded, true);
+  EXPECT_EQ(rounded.time, 7);
+  EXPECT_EQ(rounded.version + rounded.paramText, "2.2.3--verb=0");
+  EXPECT_NEAR(static_cast<double>(rounded.targetNorm), 22.0 / 3, 1e-12);
+  exact.slackNorm = QQ("123456789012345678");
+  EXPECT_THROW(convert(exact, rounded, true), PrecisionException);
+  TargetVector<QQ> target;
+  target.resize(1, false);
+  target[1] = QQ("1/3");
+  TargetVector<dbl_t> refused;
+  EXPECT_THROW(convert(target, refused, true), PostCommaPrecisionException);
+}
+
+TEST(Records, ClearLeavesWhatTheyKeep) {
+  Star<dbl_t> kept = star<dbl_t>("[ 1 ]", 3, 2, 5, "2.2.3", "p");
+  kept.clear();
+  EXPECT_TRUE(kept.MN == 0 && kept.time == -1 && kept.targetNorm == 3 && kept.version == "2.2.3");
+  TargetVector<QQ> target;
+  target.targetNorm = QQ(4);
+  target.slackNorm = QQ(4);
+  target.throwOnLoss = false;
+  target.clear();
+  EXPECT_TRUE(target.targetNorm == NumberTraits<QQ>::infinity() && target.slackNorm == QQ(-1));
+  EXPECT_TRUE(target.throwOnLoss && TargetVector<QQ>(target).throwOnLoss);
+  std::ostringstream out;
+  target.writeBestTarget(out);
+  target.targetNorm = QQ("7:1/3");
+  target.time = 61;
+  target.writeBestTarget(out);
+  EXPECT_EQ(out.str(),
+            "T(bestTarget) = inf, S(bestTarget) = -1"
+            "T(bestTarget) = 7:1/3, S(bestTarget) = -1 -- { 1:01 min(s):sec(s) == 61 secs }");
+  HeuristicVector<dbl_t, QQ> candidate;
+  candidate.kind = 2;
+  candidate.violations = 3;
+  candidate.clear();
+  EXPECT_TRUE(candidate.kind == 0 && candidate.violations == 3 && candidate.throwOnLoss);
+}
+
+TEST(Records, StagesExchangeTheirNumbersOnly) {
+  Array<Stage<dbl_t, dbl_t>> stages;
+  stages.resize(2, false);
+  stages[1].vector.resize(1, false);
+  stages[1].values[5] = 4;
+  stages.swap(1, 2);
+  EXPECT_EQ(stages[1].vector.MN, 1);
+  EXPECT_EQ(stages[2].values[5], 4);
+  RightOrderPair<long, dbl_t> pair;
+  std::istringstream("(3, 4.5)") >> pair;
+  EXPECT_TRUE((RightOrderPair<long, dbl_t>(9, 4) < pair));
+  EXPECT_EQ(joined(pair), "(3, 4.5)");
+}
+
+TEST(Deviations, AreOrdered) {
+  using Candidate = HeuristicVector<dbl_t, dbl_t>;
+  const auto candidate = [](int kind, bool inBounds, dbl_t norm, std::int64_t violations,
+                            dbl_t greatest, dbl_t sum, dbl_t length) {
+    Candidate c;
+    c.kind = static_cast<std::int8_t>(kind);
+    c.inBounds = inBounds;
+    c.targetNorm = norm;
+    c.violations = violations;
+    c.maxViolation = greatest;
+    c.sumViolation = sum;
+    c.euclidNorm = length;
+    return c;
+  };
+  const std::vector<Candidate> bestFirst = {
+      candidate(2, true, 1, 0, 0, 0, 9),      candidate(2, true, 2, 0, 0, 0, 1),
+      candidate(2, false, INF_F, 1, 9, 9, 9), candidate(2, false, INF_F, 2, 3, 5, 9),
+      candidate(2, false, INF_F, 2, 4, 4, 1), candidate(2, false, INF_F, 2, 4, 5, 1),
+      candidate(2, false, INF_F, 2, 4, 5, 2), candidate(1, true, 0, 0, 0, 0, 3),
+      candidate(1, true, 0, 0, 0, 0, 4)};
+  for (std::size_t i = 0; i < bestFirst.size(); ++i) {
+    for (std::size_t j = 0; j < bestFirst.size(); ++j) {
+      EXPECT_EQ(bestFirst[i] < bestFirst[j], i < j) << i << " " << j;
+    }
+  }
+  Candidate close = bestFirst[6];
+  close.euclidNorm += 0.5L * TOLERANCE;
+  EXPECT_FALSE(bestFirst[6] < close || close < bestFirst[6]);
+  EXPECT_EXIT(static_cast<void>(Candidate() < close), testing::ExitedWithCode(1),
+              "Heuristic deviation is not initialized!");
+}
+
+}  // namespace
+}  // namespace vexil
