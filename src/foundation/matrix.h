@@ -70,15 +70,17 @@ class Matrix : public ConversionArray<Vector<T>>, public Serializable {
   /// non-quadratic matrix determinant is not defined"
   [[nodiscard]] T determinant() const;
 
-  std::ostream& write(std::ostream& out) const override;
-
   /// Reads the text form. A text that does not start with "[" leaves the matrix empty and is not
   /// consumed. A row shorter than the first is stretched when the next row comes. Fatal: "Matrix:
   /// bad stream" on a stream that has already failed, "Matrix: bad input" for what is no row,
   /// "Matrix row dimension mismatch" for a row longer than the first.
   void read(std::istream& in) override;
 
+  std::ostream& write(std::ostream& out) const override;
+
  private:
+  /// No row is shorter than the others, as the last one of a text may be.
+  [[nodiscard]] bool isRectangular() const;
   [[nodiscard]] Matrix product(const Matrix& B) const;
   void appendRow();
   int eliminate();

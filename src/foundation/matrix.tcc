@@ -22,7 +22,7 @@ template <typename T>
 Matrix<T>& Matrix<T>::operator=(Matrix&& other) noexcept {
   if (this == &other) return *this;
   std::swap(columnCount, other.columnCount);
-  Serializable::operator=(static_cast<Serializable&&>(other));
+  copyTextSettings(other);
   ConversionArray<Vector<T>>::operator=(static_cast<ConversionArray<Vector<T>>&&>(other));
   rows = this->data;
   other.rows = other.data;
@@ -116,6 +116,12 @@ Vector<T> operator*(const Vector<T>& v, const Matrix<T>& A) {
 }
 
 template <typename T>
+bool Matrix<T>::isRectangular() const {
+  return std::all_of(rows + 1, rows + rowCount + 1,
+                     [this](const Vector<T>& row) { return row.MN == columnCount; });
+}
+
+template <typename T>
 Matrix<T> Matrix<T>::product(const Matrix& B) const {
   Matrix C;
   C.resize(rowCount, B.columnCount, true);
@@ -134,13 +140,17 @@ Matrix<T> Matrix<T>::product(const Matrix& B) const {
 
 template <typename T>
 Matrix<T> Matrix<T>::operator*(const Matrix& B) const {
-  if (columnCount != B.rowCount) fail("Matrix: dimension mismatch6");
+  if (columnCount != B.rowCount || !isRectangular() || !B.isRectangular()) {
+    fail("Matrix: dimension mismatch6");
+  }
   return product(B);
 }
 
 template <typename T>
 Matrix<T>& Matrix<T>::operator*=(const Matrix& B) {
-  if (columnCount != B.rowCount) fail("Matrix: dimension mismatch3");
+  if (columnCount != B.rowCount || !isRectangular() || !B.isRectangular()) {
+    fail("Matrix: dimension mismatch3");
+  }
   return *this = product(B);
 }
 
@@ -164,7 +174,7 @@ void Matrix<T>::setIdentity(std::int64_t n) {
 
 template <typename T>
 bool Matrix<T>::isIdentity() const {
-  if (rowCount != columnCount) return false;
+  if (rowCount != columnCount || !isRectangular()) return false;
   for (std::int64_t i = 1; i <= rowCount; ++i) {
     for (std::int64_t j = 1; j <= columnCount; ++j) {
       if (!(rows[i].data[j] == T(i == j ? 1 : 0))) return false;
@@ -212,7 +222,9 @@ int Matrix<T>::eliminate() {
 
 template <typename T>
 T Matrix<T>::determinant() const {
-  if (rowCount != columnCount) fail("Matrix: a non-quadratic matrix determinant is not defined");
+  if (rowCount != columnCount || !isRectangular()) {
+    fail("Matrix: a non-quadratic matrix determinant is not defined");
+  }
   Matrix work = *this;
   const int sign = work.eliminate();
   if (sign == 0) return T{};

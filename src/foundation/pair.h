@@ -7,6 +7,7 @@
 
 namespace vexil {
 
+/// Two values side by side.
 template <typename A, typename B>
 class Pair {
  public:

@@ -21,13 +21,14 @@ class Serializable {
       : delimiters(std::move(separators)), skipComments(comments), secondFlag(second) {
     if (delimiters.find(' ') == String::npos) delimiters += ' ';
   }
+  // A move copies the settings as well, so that what is left can still be written and read.
   Serializable(const Serializable&) = default;
-  Serializable(Serializable&& other) noexcept = default;
   Serializable& operator=(const Serializable&) = default;
-  Serializable& operator=(Serializable&&) noexcept = default;
   virtual ~Serializable() = default;
 
+  /// Writes the text form and returns the stream.
   virtual std::ostream& write(std::ostream& out) const = 0;
+  /// Takes the value from its text form.
   virtual void read(std::istream& in) = 0;
 
   /// Takes over the three text settings and nothing else.

@@ -39,25 +39,24 @@ class SerializableArray : public ConversionArray<T>, public Serializable {
 
   /// Reads the text form. Without `skipComments` a token ends at a delimiter or at "]"; with it,
   /// delimiters and comments are skipped and only "]" ends a token. A backslash takes the character
-  /// behind it into the token. The end of the stream ends the reading and leaves the stream failed,
-  /// as a failed conversion of an element does. Fatal: "SerializableArray: no start found".
+  /// behind it into the token. The end of the stream ends the reading. That, or an element that
+  /// could not be converted, leaves the stream failed. Fatal: "SerializableArray: no start found".
   void read(std::istream& in) override {
     skipChars(in, BLANKS, true);
     if (!nextIs(in, '[')) fail("SerializableArray: no start found");
     this->clear();
     in.get();
     char previous = '[';
-    for (bool first = true;; first = false) {
+    int end = 0;
+    bool sound = true;
+    for (bool first = true; end != ']' && end != END; first = false) {
       String token;
-      const int end = readToken(in, token, previous);
-      if (token.empty() && end == ']') break;
-      if (token.empty() && first && end != END) continue;
-      if (end == END && token.empty()) return;
-      appendElement(in, unescaped(token));
-      if (end == ']') break;
-      if (end == END) return;
+      end = readToken(in, token, previous);
+      const bool ignored = token.empty() && (first || end == ']' || end == END);
+      if (!ignored) sound = appendElement(unescaped(token)) && sound;
     }
-    in.get();
+    if (end == ']') in.get();
+    if (end == END || !sound) in.setstate(std::ios::failbit);
   }
 
  private:
@@ -91,10 +90,7 @@ class SerializableArray : public ConversionArray<T>, public Serializable {
       const bool escapedCharacter = previous == '\\';
       if (!escapedCharacter && skipComments) skipBlanks(in, delimiters);
       const int next = lookAhead(in);
-      if (next == END) {
-        in.setstate(std::ios::failbit);
-        return END;
-      }
+      if (next == END) return END;
       const char c = std::istream::traits_type::to_char_type(next);
       if (!escapedCharacter && c == ']') return next;
       previous = c;
@@ -104,15 +100,17 @@ class SerializableArray : public ConversionArray<T>, public Serializable {
     }
   }
 
-  void appendElement(std::istream& in, const String& token) {
+  /// Converts a token into a new last element and tells whether that went well.
+  bool appendElement(const String& token) {
     this->resize(this->MN + 1, false);
     T& element = this->data[this->MN];
     if constexpr (std::is_base_of_v<std::string, T>) {
       element = token;
+      return true;
     } else {
       std::istringstream text(token);
       text >> element;
-      if (text.fail()) in.setstate(std::ios::failbit);
+      return !text.fail();
     }
   }
 };

@@ -12,6 +12,7 @@ namespace vexil {
 template <typename E>
 class Set {
  public:
+  /// A link of the list with the element that it owns.
   struct Node {
     E element;
     Node* prev = nullptr;
@@ -72,10 +73,12 @@ class Set {
     release(first);
   }
 
+  /// Frees all nodes; the capacity stays.
   void clear() {
     while (head != nullptr) removeFirst();
   }
 
+  /// Bounds later insertions; nothing is removed now.
   void setCapacity(std::int64_t limit) { capacity = limit; }
 
  private:

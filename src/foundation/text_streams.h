@@ -1,8 +1,8 @@
 // Vexil - exact integer optimization on lattices.
 //
 // What every text format of the system shares: blanks, comments and the field bar. None of these
-// helpers throws or reports. A skip that runs into the end of the text leaves the stream failed,
-// and the next reader refuses it.
+// helpers throws or reports. `skipBlanks` and `takeBar` leave the stream failed where they run into
+// the end, and the next reader refuses it; `skipChars` alone only marks the end.
 #pragma once
 
 #include <istream>

@@ -23,7 +23,7 @@ class Vector : public SerializableArray<T> {
   Vector& operator-=(const Vector& b);  ///< "Vector: dimension mismatch2"
   Vector& operator*=(const Vector& b);  ///< by element; "Vector: dimension mismatch3"
   Vector& operator/=(const Vector& b);  ///< by element; "Vector: dimension mismatch4"
-  Vector& operator*=(const T& factor);
+  Vector& operator*=(T factor);         ///< every element
 
   [[nodiscard]] Vector operator+(const Vector& b) const;  ///< "Vector: dimension mismatch5"
   [[nodiscard]] Vector operator-(const Vector& b) const;  ///< "Vector: dimension mismatch6"

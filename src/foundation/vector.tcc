@@ -66,7 +66,7 @@ Vector<T>& Vector<T>::operator/=(const Vector& b) {
 }
 
 template <typename T>
-Vector<T>& Vector<T>::operator*=(const T& factor) {
+Vector<T>& Vector<T>::operator*=(T factor) {
   for (T& element : this->elements()) element *= factor;
   return *this;
 }
@@ -102,8 +102,7 @@ bool Vector<T>::operator==(const Vector& b) const {
   if (this == &b) return true;
   if (this->MN != b.MN) fail("Vector: dimension mismatch9");
   for (std::int64_t i = 1; i <= b.MN; ++i) {
-    if (this->data[i] == b.data[i]) continue;
-    if (!vexil::isZero<T>(this->data[i] - b.data[i])) return false;
+    if (!NumberTraits<T>::agree(this->data[i], b.data[i])) return false;
   }
   return true;
 }

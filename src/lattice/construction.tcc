@@ -17,7 +17,7 @@ Lattice<T, U>::Lattice(const Matrix<T>* base) : params(*this), consistency(*this
   setBase(base, true);
 }
 
-/// The options whose end must leave the lattice as if they had never been on.
+/// The callbacks act on a change to false that comes with another text than the option's own.
 template <typename T, typename U>
 void Lattice<T, U>::installCallbacks() {
   const auto onSwitchOff = [](Param<bool>& option, auto action) {
@@ -72,6 +72,8 @@ void Lattice<T, U>::setBase(const Matrix<T>* base, bool clearLatFile) {
   symmetric = false;
   checkMode = 0;
   interval_tt = 100;
+  keepDependent = false;
+  consistencyForced = false;
   clearRowState();
   for (Array<Matrix<U>>* const storage : {&fullStages, &reducedStages}) storage->clear();
   for (Matrix<U>* const matrix : {&Lfull, &Lreduced, &Q, &mu}) matrix->clear();
@@ -110,9 +112,15 @@ void Lattice<T, U>::resize(std::int64_t rows, std::int64_t cols, bool fromGenera
   rowNorm.resize(rows, false);
   rowWork.resize(rows, false);
   stages.resize(rows + 1, false);
-  for (Vector<T>* const perCoordinate : {&l, &l0, &r, &r0, &c, &weights}) {
-    perCoordinate->resize(cols, false);
-  }
+  for (Vector<T>* const bounds : {&l, &l0, &r, &r0, &c}) bounds->resize(cols, false);
+  // New coordinates start in the identity form.
+  const auto widen = [cols](Vector<T>& perCoordinate, const T& neutral) {
+    std::int64_t i = perCoordinate.MN;
+    perCoordinate.resize(cols, false);
+    while (++i <= cols) perCoordinate.data[i] = neutral;
+  };
+  widen(weights, T(1));
+  widen(translation, T{});
   latRows = rows;
   if (cols > 0) latDim = cols;
 }

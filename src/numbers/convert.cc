@@ -107,15 +107,6 @@ dbl_t decimalValue(const ZZ& whole, const Decimals& decimals) {
   return static_cast<dbl_t>(static_cast<Word>(mantissa)) / exactPowerOfTen(decimals.places);
 }
 
-/// Equal, or closer than the tolerance.
-bool agree(const QQ& a, const QQ& b) {
-  if (a == b) return true;
-  static QQ difference;
-  sub(a, b, difference);
-  return isZero(difference);
-}
-bool agree(dbl_t a, dbl_t b) { return a == b || isZero(a - b); }
-
 [[noreturn]] void throwLost() { throw PrecisionException("Precision lost during conversion"); }
 
 template <Number S, Number T>
@@ -130,7 +121,7 @@ void convertVector(const Vector<S>& source, Vector<T>& target, bool check) {
   static S back;
   for (std::int64_t i = 1; i <= source.MN; ++i) {
     convertNumber(target.data[i], back, false, false, false);
-    if (!agree(source.data[i], back)) throwLost();
+    if (!NumberTraits<S>::agree(source.data[i], back)) throwLost();
   }
 }
 
@@ -159,12 +150,14 @@ void convertNumber(const QQ& source, dbl_t& target, bool check, bool throwOnLoss
   if (!check) return;
   static QQ back;
   fromFloat(target, back);
-  if (!agree(source, back)) throwLost();
+  if (!NumberTraits<QQ>::agree(source, back)) throwLost();
 }
 
 void convertNumber(dbl_t source, QQ& target, bool check, bool throwOnLoss, bool tolerateFraction) {
   fromFloat(source, target);
-  if (check && !agree(source, toFloat(target, throwOnLoss, tolerateFraction))) throwLost();
+  if (!check) return;
+  const dbl_t back = toFloat(target, throwOnLoss, tolerateFraction);
+  if (!NumberTraits<dbl_t>::agree(source, back)) throwLost();
 }
 
 void convertExactly(const QQ& source, dbl_t& target, bool check) {

@@ -223,7 +223,6 @@ void divide(Limb* q, Limb* u, Index un, const Limb* v, Index vn) {
     while (digit >= WORD_BASE || digit * second > rest * WORD_BASE + word(w[vn - 2])) {
       --digit;
       rest += top;
-      if (rest >= WORD_BASE) break;
     }
     Word carry = 0;
     Limb borrow = 0;

@@ -79,9 +79,8 @@ void commonDenominator(ZZ& az, ZZ& bz, ZZ& l, const QQ& a, const QQ& b);
 // The result may be an operand. Failures:
 //   add, sub  fatal "INF - INF is not defined"
 //   mul       fatal "qq: INF * 0 is not defined!" and "qq: 0 * INF is not defined!"
-//   div       fatal "QQ: +-INF / +-INF is not defined"; for a zero divisor throws
-//   PrecisionException
-//             "QQ: division by zero3"
+//   div       fatal "QQ: +-INF / +-INF is not defined"; throws PrecisionException "QQ: division by
+//             zero3" for a zero divisor
 void add(const QQ& a, const QQ& b, QQ& r);
 void sub(const QQ& a, const QQ& b, QQ& r);
 void mul(const QQ& a, const QQ& b, QQ& r);
@@ -174,6 +173,7 @@ template <>
 struct NumberTraits<QQ> {
   static const QQ& infinity() { return QQ::INF(); }
   static bool isZero(const QQ& x);
+  static bool agree(const QQ& a, const QQ& b);
   static bool isNoPivot(const QQ& x) {
     return !x.isInf && vexil::isZero(x.ganze) && vexil::isZero(x.zaehler);
   }

@@ -8,8 +8,7 @@
 
 #include "foundation/exceptions.h"
 #include "foundation/failure.h"
-#include "numbers/qq.h"
-#include "numbers/zz_words.h"
+#include "numbers/qq_parts.h"
 
 namespace vexil {
 
@@ -30,7 +29,6 @@ struct Small {
   Limb denominator;
 
   [[nodiscard]] bool isWhole() const { return denominator == 1; }
-  [[nodiscard]] bool isZero() const { return whole == 0 && numerator == 0; }
   /// The value times the denominator, without its sign.
   [[nodiscard]] Word improper() const {
     return limbs::word(whole) * limbs::word(denominator) + limbs::word(numerator);
@@ -46,40 +44,25 @@ bool load(const QQ& x, Small& small) {
   return true;
 }
 
-/// A part that is 0 needs no block.
-void storePart(ZZ& part, Word value) {
-  if (value != 0) return assignWord(part, value);
-  part.positive = true;
-  part.MN = 0;
-}
-
-void store(QQ& r, bool positive, Word whole, Word numerator, Word denominator) {
-  r.isInf = false;
-  r.positive = positive || (whole == 0 && numerator == 0);
-  storePart(r.ganze, whole);
-  storePart(r.zaehler, numerator);
-  storePart(r.nenner, denominator);
-}
-
 void storeInfinity(QQ& r, bool positive) {
   r.isInf = true;
   r.positive = positive;
-  storePart(r.ganze, 1);
-  storePart(r.zaehler, 0);
-  storePart(r.nenner, 1);
+  assignPart(r.ganze, 1);
+  assignPart(r.zaehler, 0);
+  assignPart(r.nenner, 1);
 }
 
 /// Stores numerator / denominator, which is reduced; the denominator is below BASE^2.
 void storeReduced(QQ& r, bool positive, DoubleWord numerator, Word denominator) {
   if (const Word low = static_cast<Word>(numerator); low == numerator) {
-    return store(r, positive, low / denominator, low % denominator, denominator);
+    return assignParts(r, positive, low / denominator, low % denominator, denominator);
   }
   const DoubleWord whole = numerator / denominator;
   const Word rest = static_cast<Word>(numerator - whole * denominator);
   const auto small = static_cast<Word>(whole);
-  if (small == whole) return store(r, positive, small, rest, denominator);
+  if (small == whole) return assignParts(r, positive, small, rest, denominator);
   constexpr Word twoLimbs = limbs::WORD_BASE * limbs::WORD_BASE;
-  store(r, positive, 0, rest, denominator);
+  assignParts(r, positive, 0, rest, denominator);
   r.positive = positive;
   static ZZ low;
   assignWord(low, static_cast<Word>(whole % twoLimbs));
@@ -100,8 +83,8 @@ void storeSum(QQ& r, Limb whole, Limb numerator, Limb denominator, Word common) 
   }
   const Word divisor =
       numerator == 0 ? limbs::word(denominator) : gcdWord(limbs::word(numerator), common);
-  store(r, positive, limbs::word(positive ? whole : -whole), limbs::word(numerator) / divisor,
-        limbs::word(denominator) / divisor);
+  assignParts(r, positive, limbs::word(positive ? whole : -whole), limbs::word(numerator) / divisor,
+              limbs::word(denominator) / divisor);
 }
 
 void addSmall(const Small& a, const Small& b, bool bPositive, QQ& r) {
@@ -109,7 +92,7 @@ void addSmall(const Small& a, const Small& b, bool bPositive, QQ& r) {
   const Limb bSign = bPositive ? 1 : -1;
   const Limb whole = aSign * a.whole + bSign * b.whole;
   if (a.isWhole() && b.isWhole()) {
-    return store(r, whole >= 0, limbs::word(whole < 0 ? -whole : whole), 0, 1);
+    return assignParts(r, whole >= 0, limbs::word(whole < 0 ? -whole : whole), 0, 1);
   }
   const Word common = a.isWhole() || b.isWhole()
                           ? 1
@@ -124,8 +107,8 @@ void mulSmall(const Small& a, const Small& b, QQ& r) {
   const bool positive = a.positive == b.positive;
   Word x = a.improper();
   Word y = b.improper();
-  if (a.isWhole() && b.isWhole()) return store(r, positive, x * y, 0, 1);
-  if (x == 0 || y == 0) return store(r, true, 0, 0, 1);
+  if (a.isWhole() && b.isWhole()) return assignParts(r, positive, x * y, 0, 1);
+  if (x == 0 || y == 0) return assignParts(r, true, 0, 0, 1);
   const Word g = b.isWhole() ? 1 : gcdWord(x, limbs::word(b.denominator));
   const Word h = a.isWhole() ? 1 : gcdWord(y, limbs::word(a.denominator));
   x /= g;
@@ -140,7 +123,7 @@ bool divSmall(const Small& a, const Small& b, QQ& r) {
   const Word x = a.improper();
   const Word y = b.improper();
   if (x == 0) {
-    store(r, true, 0, 0, 1);
+    assignParts(r, true, 0, 0, 1);
     return true;
   }
   const Word g = gcdWord(x, y);
@@ -182,8 +165,8 @@ void finishWhole(QQ& r, bool positive) {
   r.isInf = false;
   r.positive = positive || isZero(r.ganze);
   r.ganze.positive = true;
-  storePart(r.zaehler, 0);
-  storePart(r.nenner, 1);
+  assignPart(r.zaehler, 0);
+  assignPart(r.nenner, 1);
 }
 
 void addWhole(const QQ& a, const QQ& b, bool bPositive, QQ& r) {
@@ -210,8 +193,8 @@ void storeSum(QQ& r, ZZ& whole, ZZ& numerator, ZZ& denominator, const ZZ& common
   r.positive = isZero(whole) ? numerator.positive : whole.positive;
   whole.positive = numerator.positive = true;
   if (isZero(numerator)) {
-    storePart(numerator, 0);
-    storePart(denominator, 1);
+    assignPart(numerator, 0);
+    assignPart(denominator, 1);
   } else {
     reduce(numerator, denominator, common);
   }
@@ -435,7 +418,7 @@ void div(const QQ& a, const QQ& b, QQ& r) {
   if (a.isInf && b.isInf) fail("QQ: +-INF / +-INF is not defined");
   if (isExactZero(b)) throw PrecisionException("QQ: division by zero3");
   if (a.isInf) return storeInfinity(r, a.positive == b.positive);
-  if (b.isInf) return store(r, true, 0, 0, 1);
+  if (b.isInf) return assignParts(r, true, 0, 0, 1);
   Small p;
   Small q;
   if (load(a, p) && load(b, q) && divSmall(p, q, r)) return;
@@ -464,7 +447,7 @@ void addProduct(QQ& sum, const QQ& a, const QQ& b) {
     const Limb before = limbs::limb(toWord(sum.ganze));
     const Limb after =
         (sum.positive ? before : -before) + (p.positive == q.positive ? product : -product);
-    return store(sum, after >= 0, limbs::word(after < 0 ? -after : after), 0, 1);
+    return assignParts(sum, after >= 0, limbs::word(after < 0 ? -after : after), 0, 1);
   }
   static QQ product;
   mul(a, b, product);
@@ -494,6 +477,14 @@ bool NumberTraits<QQ>::isZero(const QQ& x) {
   const Index limit = limbCount(x.nenner);
   if (n == 0 || n + 1 != limit) return n == 0 || n + 1 < limit;
   return limbs::compare(x.zaehler.data + 1, x.nenner.data + 2, n) <= 0;
+}
+
+bool NumberTraits<QQ>::agree(const QQ& a, const QQ& b) {
+  if (a == b) return true;
+  if (a.isInf || b.isInf || (isWhole(a) && isWhole(b))) return false;
+  static QQ difference;
+  sub(a, b, difference);
+  return isZero(difference);
 }
 
 }  // namespace vexil

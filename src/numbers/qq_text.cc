@@ -5,16 +5,11 @@
 // Both are taken apart first and put together from the end, so that the depth of a text costs no
 // stack.
 #include <algorithm>
-#include <array>
-#include <bit>
-#include <cmath>
-#include <cstdio>
 #include <vector>
 
 #include "foundation/failure.h"
 #include "foundation/text_streams.h"
-#include "numbers/qq.h"
-#include "numbers/zz_words.h"
+#include "numbers/qq_parts.h"
 
 namespace vexil {
 
@@ -53,11 +48,6 @@ bool takeChar(std::string_view& text, char c) {
   return true;
 }
 
-void assignPart(ZZ& part, Word value) {
-  assignWord(part, value);
-  if (value == 0) part.MN = 0;
-}
-
 /// Parses what needs no more than words; false, with `x` unchanged, for any other text.
 bool parsePlain(std::string_view text, QQ& x) {
   const bool positive = !takeChar(text, '-');
@@ -82,11 +72,7 @@ bool parsePlain(std::string_view text, QQ& x) {
     numerator /= divisor;
     denominator /= divisor;
   }
-  x.isInf = false;
-  x.positive = positive || (whole == 0 && numerator == 0);
-  assignPart(x.ganze, whole);
-  assignPart(x.zaehler, numerator);
-  assignWord(x.nenner, denominator);
+  assignParts(x, positive, whole, numerator, denominator);
   return true;
 }
 
@@ -231,26 +217,6 @@ void parse(std::string_view text, QQ& x) {
 }
 
 QQ::QQ(std::string_view text) { parse(text, *this); }
-
-void fromFloat(dbl_t value, QQ& x) {
-  constexpr dbl_t exactLimit = 1e17L;  // the text of a whole number below it is the number
-  const dbl_t magnitude = std::fabs(value);
-  if (!(magnitude > TOLERANCE)) {
-    assignPart(x.ganze, 0);
-  } else if (magnitude < exactLimit && std::trunc(value) == value) {
-    assignWord(x.ganze, static_cast<Word>(magnitude));
-  } else {
-    std::array<char, 64> text;
-    const int length = std::snprintf(text.data(), text.size(), "%.*Lg", DIGITS - 1, value);
-    return parse({text.data(), static_cast<std::size_t>(length)}, x);
-  }
-  x.isInf = false;
-  x.positive = magnitude <= TOLERANCE || !(value < 0);
-  assignPart(x.zaehler, 0);
-  assignWord(x.nenner, 1);
-}
-
-QQ::QQ(dbl_t value) { fromFloat(value, *this); }
 
 void append(std::string& text, const QQ& x) {
   if (!x.positive) text += '-';

@@ -61,7 +61,7 @@ void div(const ZZ& a, const ZZ& b, ZZ& q, ZZ& r) {
     const Word divisor = toWord(b);
     assignWords(dividend / divisor, dividend % divisor, q, r);
   } else if (compareMagnitudes(a, b) < 0) {
-    if (&q != &r) r = a;
+    r = a;
     setZero(q);
   } else if (bn == 1) {
     divideByLimb(a, an, b.data[1], q, r);

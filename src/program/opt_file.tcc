@@ -70,6 +70,7 @@ void Vexil<T>::readTargets(std::istream& in) {
       fail("The dimensions of the target properties (kt, dt) differ (", kt.MN, ", ", dt.MN, ")");
     }
     skipChars(in, BLANKS, true);
+    peekChar(in);  // a text that ends here leaves the stream failed
   } else {
     kt = dt;
   }

@@ -91,8 +91,10 @@ class Vexil {
   bool checkAllStars();
 
   /// The target norm of a point x with the target values `values`: the sum of the minimised values,
-  /// the negated maximised ones and the distances to finite wishes. `S` receives the slack norm,
-  /// the sum of those distances. Fatal: "preparation inconsistency".
+  /// the negated maximised ones and the distances to finite wishes. `S` receives the slack norm:
+  /// the sum of those distances or, in a prepared program, of the absolute residuals of row i of
+  /// `Ag` over the variables of the file for each of the last `tdim` / 2 targets i. Fatal:
+  /// "preparation inconsistency" for a finite wish in a prepared program.
   [[nodiscard]] T targetAndSlackNorm(const Vector<T>& values, const Vector<T>& x, T& S) const;
 
   // --- sol_writer.tcc ---

@@ -19,6 +19,7 @@ class HeuristicVector : public TimeVector<T> {
   U targetNorm{NumberTraits<U>::infinity()};    ///< of a vector within bounds, else +inf
   U maxViolation{NumberTraits<U>::infinity()};  ///< greatest violation of a coordinate
   std::int64_t violations = std::numeric_limits<std::int64_t>::max();  ///< violating coordinates
+  /// Sum of all violations.
   U sumViolation{NumberTraits<U>::infinity()};
   std::int64_t maxViolationIndex = 0;  ///< coordinate of the greatest violation
   U euclidNorm{};                      ///< squared Euclidean length
@@ -50,7 +51,7 @@ class HeuristicVector : public TimeVector<T> {
 template <typename T, typename U>
 [[nodiscard]] bool isBetter(const HeuristicVector<T, U>& a, const HeuristicVector<T, U>& b) {
   const auto less = [](const U& x, const U& y) {
-    static const U tolerance{TOLERANCE};
+    static const U tolerance = U(1) / U(1000000000);
     return x + tolerance < y;
   };
   const auto differ = [&](const U& x, const U& y) { return less(x, y) || less(y, x); };

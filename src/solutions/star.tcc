@@ -1,6 +1,7 @@
 // Vexil - exact integer optimization on lattices.
 #pragma once
 
+#include <algorithm>
 #include <vector>
 
 #include "solutions/star.h"
@@ -88,39 +89,54 @@ void sort(Array<Star<T>>& stars) {
 namespace detail {
 
 /// The first elements of all stars, side by side: most pairs differ there, and a search through all
-/// pairs then stays within the cache. Empty where that decides nothing, for stars that are empty or
-/// of different dimensions.
+/// pairs then need not fetch the stars themselves.
 template <typename T>
-std::vector<T> firstElements(const Array<Star<T>>& stars) {
-  std::vector<T> firsts;
-  for (const Star<T>& star : stars.elements()) {
-    if (star.MN == 0 || star.MN != stars.data[1].MN) return {};
-    firsts.push_back(star.data[1]);
+class StarHeads {
+ public:
+  /// Stars that are not all of one dimension are left to the comparison that reports it.
+  explicit StarHeads(const Array<Star<T>>& stars) {
+    const std::int64_t dimension = stars.MN > 0 ? stars.data[1].MN : 0;
+    for (const Star<T>& star : stars.elements()) {
+      if (star.MN != dimension) return;
+    }
+    width_ = std::min<std::int64_t>(dimension, 8);
+    for (const Star<T>& star : stars.elements()) {
+      heads_.insert(heads_.end(), star.elements().begin(), star.elements().begin() + width_);
+    }
   }
-  return firsts;
-}
+
+  [[nodiscard]] bool agree(std::int64_t i, std::int64_t j) const {
+    return std::equal(head(i), head(i + 1), head(j), NumberTraits<T>::agree);
+  }
+
+  void move(std::int64_t from, std::int64_t to) {
+    std::copy(head(from), head(from + 1), heads_.begin() + (to - 1) * width_);
+  }
+
+ private:
+  [[nodiscard]] auto head(std::int64_t i) const { return heads_.begin() + (i - 1) * width_; }
+
+  std::int64_t width_ = 0;
+  std::vector<T> heads_;
+};
 
 }  // namespace detail
 
 template <typename T>
 void removeDuplicates(Array<Star<T>>& stars, bool compareParams) {
-  std::vector<T> firsts = detail::firstElements(stars);
-  const auto at = [&firsts](std::int64_t i) -> T& {
-    return firsts[static_cast<std::size_t>(i - 1)];
-  };
-  const auto areDuplicates = [&](std::int64_t i, std::int64_t j) {
-    if (!firsts.empty() && at(i) != at(j) && !isZero<T>(at(i) - at(j))) return false;
-    const Star<T>& a = stars.data[i];
-    const Star<T>& b = stars.data[j];
-    return a == b && (!compareParams || a.paramText == b.paramText);
-  };
+  detail::StarHeads<T> heads(stars);
   for (std::int64_t i = 1; i <= stars.MN; ++i) {
+    const Star<T>& first = stars.data[i];
     std::int64_t kept = i;
     for (std::int64_t j = i + 1; j <= stars.MN; ++j) {
-      if (areDuplicates(i, j)) continue;
+      Star<T>& other = stars.data[j];
+      if (heads.agree(i, j) && first == other &&
+          (!compareParams || first.paramText == other.paramText)) {
+        continue;
+      }
       if (++kept == j) continue;
-      stars.data[kept] = std::move(stars.data[j]);
-      if (!firsts.empty()) at(kept) = at(j);
+      stars.data[kept] = std::move(other);
+      heads.move(j, kept);
     }
     stars.resize(kept, false);
   }

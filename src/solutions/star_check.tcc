@@ -37,15 +37,20 @@ bool Vexil<T>::checkStar(std::int64_t i) {
   return valid;
 }
 
+/// The star behind a removed one takes its place unlooked at. The stars that stay are moved once.
 template <typename T>
 bool Vexil<T>::checkAllStars() {
   StarCheck<T> check(*this);
+  std::int64_t kept = 0;
+  bool spared = false;
   bool result = true;
   for (std::int64_t i = 1; i <= solStars.MN; ++i) {
-    if (check.isValid(solStars[i])) continue;
-    solStars.removeElement(i);
-    result = false;
+    const bool stays = spared || check.isValid(solStars[i]);
+    spared = !stays;
+    result = result && stays;
+    if (stays && ++kept != i) solStars[kept] = std::move(solStars[i]);
   }
+  solStars.resize(kept, false);
   return result;
 }
 

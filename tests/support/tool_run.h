@@ -1,0 +1,90 @@
+// Vexil - exact integer optimization on lattices.
+//
+// Runs the tool the way a user does: in a folder with files, as a process of its own.
+#pragma once
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vexil::support {
+
+/// A new folder, which goes away with all it holds.
+class TemporaryFolder {
+ public:
+  TemporaryFolder();
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+  ~TemporaryFolder();
+
+  [[nodiscard]] const std::filesystem::path& path() const { return path_; }
+  [[nodiscard]] std::filesystem::path operator/(std::string_view name) const {
+    return path_ / name;
+  }
+
+ private:
+  std::filesystem::path path_;
+};
+
+/// Writes a file and makes the folders it stands in.
+void writeFile(const std::filesystem::path& file, std::string_view text);
+
+/// The text of a regular file; nothing where there is none.
+[[nodiscard]] std::optional<std::string> readFile(const std::filesystem::path& file);
+
+/// The semaphores of a process whose names are in the system, sorted. The process may be gone.
+[[nodiscard]] std::vector<std::string> semaphoreNames(pid_t process);
+
+/// How a child process ended and what it wrote.
+struct ChildEnd {
+  pid_t pid = 0;
+  int status = -1;        ///< the exit status; -1 if there is none
+  int signal = 0;         ///< the signal that ended the process
+  bool timedOut = false;  ///< the time limit ended the process
+  std::string out;
+  std::string err;
+};
+
+/// A child process whose output streams are captured. It is killed if nobody waits for its end.
+class Child {
+ public:
+  /// Starts a copy of this process that runs `body` and ends with its result.
+  explicit Child(const std::function<int()>& body);
+  Child(const Child&) = delete;
+  Child& operator=(const Child&) = delete;
+  ~Child();
+
+  [[nodiscard]] pid_t pid() const { return pid_; }
+
+  /// Waits for the end, which comes by SIGKILL when the time is over; to be called once.
+  ChildEnd finish(std::chrono::milliseconds limit);
+
+ private:
+  pid_t pid_ = 0;
+  int out_ = -1;
+  int err_ = -1;
+  bool finished_ = false;
+};
+
+/// A run of the tool.
+struct ToolRun {
+  std::filesystem::path folder;             ///< where it runs
+  std::vector<std::string> arguments = {};  ///< the command line behind the program's name
+  std::string firstWord = "vexil";          ///< the program's name
+  std::function<void()> prepare = [] {};    ///< runs in the child, ahead of the tool
+
+  /// To be the body of a `Child`.
+  [[nodiscard]] int operator()() const;
+};
+
+/// Runs the tool to its end. The limit leaves room for a sanitizer build on a busy machine.
+[[nodiscard]] ChildEnd run(const ToolRun& tool,
+                           std::chrono::milliseconds limit = std::chrono::minutes(2));
+
+}  // namespace vexil::support
