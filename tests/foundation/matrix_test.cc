@@ -3,29 +3,13 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
-
 #include "numbers/qq_vectors.h"
+#include "support/parsed.h"
 
 namespace vexil {
 namespace {
 
 using testing::ExitedWithCode;
-
-template <typename Container>
-Container parsed(const std::string& text) {
-  std::stringstream in(text);
-  Container result;
-  result.read(in);
-  return result;
-}
-
-template <typename Value>
-std::string textOf(const Value& value) {
-  std::ostringstream out;
-  out << value;
-  return out.str();
-}
 
 template <typename T>
 class Containers : public testing::Test {
@@ -46,7 +30,7 @@ TYPED_TEST(Containers, ReadAndWriteVectors) {
       {"[ - 5 ]", "[ -5 ]"},
       {"[ --5 +3 ]", "[ 5 3 ]"},
   };
-  for (const auto& [text, written] : cases) EXPECT_EQ(textOf(this->vector(text)), written) << text;
+  for (const auto& [text, written] : cases) EXPECT_EQ(joined(this->vector(text)), written) << text;
 }
 
 TYPED_TEST(Containers, RefuseMalformedVectors) {
@@ -66,8 +50,8 @@ TYPED_TEST(Containers, RefuseMalformedVectors) {
 
 TYPED_TEST(Containers, ReadMatrices) {
   Matrix<TypeParam> m = this->matrix("[ [1 2] [3 4] ]");
-  EXPECT_EQ(textOf(m), "[\n[ 1 2 ]\n[ 3 4 ]\n]");
-  EXPECT_EQ(textOf(this->matrix("[ [1 2 3] [4 5] [6] ]")), "[\n[ 1 2 3 ]\n[ 4 5 0 ]\n[ 6 ]\n]");
+  EXPECT_EQ(joined(m), "[\n[ 1 2 ]\n[ 3 4 ]\n]");
+  EXPECT_EQ(joined(this->matrix("[ [1 2 3] [4 5] [6] ]")), "[\n[ 1 2 3 ]\n[ 4 5 0 ]\n[ 6 ]\n]");
   m = this->matrix("[ ]");
   EXPECT_EQ(m.rowCount + m.columnCount, 0);
   EXPECT_FALSE(m.notEmpty());
@@ -128,13 +112,13 @@ TYPED_TEST(Containers, CheckDimensionsFirst) {
 TYPED_TEST(Containers, Multiply) {
   const auto A = this->matrix("[ [1 2 3] [4 5 6] ]");
   auto B = this->matrix("[ [1 0] [0 2] [1 1] ]");
-  EXPECT_EQ(textOf(A * this->vector("[ 1 0 -1 ]")), "[ -2 -2 ]");
-  EXPECT_EQ(textOf(this->vector("[ 2 -1 ]") * A), "[ -2 -1 0 ]");
-  EXPECT_EQ(textOf(A * B), "[\n[ 4 7 ]\n[ 10 16 ]\n]");
+  EXPECT_EQ(joined(A * this->vector("[ 1 0 -1 ]")), "[ -2 -2 ]");
+  EXPECT_EQ(joined(this->vector("[ 2 -1 ]") * A), "[ -2 -1 0 ]");
+  EXPECT_EQ(joined(A * B), "[\n[ 4 7 ]\n[ 10 16 ]\n]");
   B *= A;
-  EXPECT_EQ(textOf(B), "[\n[ 1 2 3 ]\n[ 8 10 12 ]\n[ 5 7 9 ]\n]");
+  EXPECT_EQ(joined(B), "[\n[ 1 2 3 ]\n[ 8 10 12 ]\n[ 5 7 9 ]\n]");
   // A row with a zero factor is not looked at, whatever it holds.
-  EXPECT_EQ(textOf(this->vector("[ 0 1 ]") * this->matrix("[ [inf 1] [2 3] ]")), "[ 2 3 ]");
+  EXPECT_EQ(joined(this->vector("[ 0 1 ]") * this->matrix("[ [inf 1] [2 3] ]")), "[ 2 3 ]");
 }
 
 TYPED_TEST(Containers, HaveDeterminants) {
@@ -157,11 +141,11 @@ TYPED_TEST(Containers, ResizeKeepsRows) {
   EXPECT_EQ(m.rowCount, 5);
   EXPECT_EQ(m[5].MN, 4);
   m.setSize(2, 1);
-  EXPECT_EQ(textOf(m), "[\n[ 1 ]\n[ 2 ]\n]");
+  EXPECT_EQ(joined(m), "[\n[ 1 ]\n[ 2 ]\n]");
   Matrix<TypeParam> copy = m;
   m.swapRows(1, 2);
-  EXPECT_EQ(textOf(copy), "[\n[ 1 ]\n[ 2 ]\n]");
-  EXPECT_EQ(textOf(m[1]), "[ 2 ]");
+  EXPECT_EQ(joined(copy), "[\n[ 1 ]\n[ 2 ]\n]");
+  EXPECT_EQ(joined(m[1]), "[ 2 ]");
 }
 
 }  // namespace

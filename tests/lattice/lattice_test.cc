@@ -3,26 +3,10 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
+#include "support/parsed.h"
 
 namespace vexil {
 namespace {
-
-template <typename T>
-Matrix<T> matrix(const std::string& text) {
-  std::stringstream in(text);
-  Matrix<T> result;
-  result.read(in);
-  return result;
-}
-
-template <typename T>
-Vector<T> vector(const std::string& text) {
-  std::stringstream in(text);
-  Vector<T> result;
-  result.read(in);
-  return result;
-}
 
 template <typename Pair>
 class Lattices : public testing::Test {};

@@ -5,12 +5,13 @@
 
 #include <sstream>
 
-#include "foundation/set.h"
+#include "program/vexil.h"
 #include "solutions/heuristic_vector.h"
 #include "solutions/right_order_pair.h"
 #include "solutions/stage.h"
 #include "solutions/star.tcc"
 #include "solutions/target_vector.h"
+#include "support/parsed.h"
 
 namespace vexil {
 namespace {
@@ -20,9 +21,7 @@ template <typename T>
 Star<T> star(const std::string& elements, long targetNorm = 0, long slackNorm = 0,
              std::int64_t time = -1, const std::string& version = "",
              const std::string& params = "") {
-  Star<T> result;
-  std::stringstream in(elements);
-  result.read(in);
+  auto result = parsed<Star<T>>(elements);
   result.targetNorm = T(targetNorm);
   result.slackNorm = T(slackNorm);
   result.time = time;
@@ -191,11 +190,35 @@ TEST(Deviations, AreOrdered) {
       EXPECT_EQ(bestFirst[i] < bestFirst[j], i < j) << i << " " << j;
     }
   }
-  Candidate close = bestFirst[6];
-  close.euclidNorm += 0.5L * TOLERANCE;
-  EXPECT_FALSE(bestFirst[6] < close || close < bestFirst[6]);
-  EXPECT_EXIT(static_cast<void>(Candidate() < close), testing::ExitedWithCode(1),
+  EXPECT_EXIT(static_cast<void>(Candidate() < bestFirst[0]), testing::ExitedWithCode(1),
               "Heuristic deviation is not initialized!");
+}
+
+TYPED_TEST(StarOrder, OfDeviationsIsTolerant) {
+  HeuristicVector<TypeParam, TypeParam> a;
+  HeuristicVector<TypeParam, TypeParam> b;
+  a.kind = b.kind = 2;
+  a.violations = b.violations = 1;
+  b.euclidNorm = TypeParam(1) / TypeParam(2000000000);
+  EXPECT_FALSE(a < b || b < a);
+  b.euclidNorm *= TypeParam(4);
+  EXPECT_TRUE(a < b && !(b < a));
+}
+
+TEST(Norms, OfAPreparedProgram) {
+  Vexil<QQ> program;
+  program.starsPrepared = true;
+  program.tdim = 2;
+  program.dt = vector<QQ>("[ -inf ]");
+  program.Ag = matrix<QQ>("[ [ 2 1 -1 ] ]");
+  program.bg = vector<QQ>("[ 7 ]");
+  QQ S;
+  const auto x = vector<QQ>("[ 2 3 0 ]");
+  EXPECT_EQ(program.targetAndSlackNorm(vector<QQ>("[ 4 ]"), x, S), QQ(4));
+  EXPECT_EQ(S, QQ(3));
+  program.dt[1] = QQ(4);
+  EXPECT_EXIT(static_cast<void>(program.targetAndSlackNorm(vector<QQ>("[ 4 ]"), x, S)),
+              testing::ExitedWithCode(1), "preparation inconsistency");
 }
 
 }  // namespace
