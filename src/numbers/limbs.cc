@@ -282,7 +282,7 @@ void parse(Limb* r, std::string_view digits) {
 }
 
 void appendWord(std::string& text, Word value) {
-  std::array<char, 20> digits;
+  std::array<char, 20> digits{};
   const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
   text.append(digits.data(), end);
 }

@@ -23,10 +23,10 @@ constexpr int PRODUCT_DIGITS = DIGITS;
 
 /// A finite number whose parts are single limbs.
 struct Small {
-  bool positive;
-  Limb whole;
-  Limb numerator;
-  Limb denominator;
+  bool positive = true;
+  Limb whole = 0;
+  Limb numerator = 0;
+  Limb denominator = 1;
 
   [[nodiscard]] bool isWhole() const { return denominator == 1; }
   /// The value times the denominator, without its sign.

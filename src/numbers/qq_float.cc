@@ -48,7 +48,7 @@ void fromFloat(dbl_t value, QQ& x) {
   } else if (magnitude < exactLimit && magnitude >= roundedLimit) {
     assignRounded(x, value > 0, magnitude);
   } else {
-    std::array<char, 64> text;
+    std::array<char, 64> text{};
     const int length = std::snprintf(text.data(), text.size(), "%.*Lg", TEXT_DIGITS, value);
     parse({text.data(), static_cast<std::size_t>(length)}, x);
   }

@@ -23,7 +23,7 @@ ZZ power(const ZZ& a, const ZZ& e) {
   return r;
 }
 
-QQ wholePower(const QQ& x, const ZZ& e) { return QQ(power(improper(x), e), power(x.nenner, e)); }
+QQ wholePower(const QQ& x, const ZZ& e) { return {power(improper(x), e), power(x.nenner, e)}; }
 
 QQ infinitePower(const QQ& x) {
   const int order = compare(abs(x), QQ::ONE());

@@ -197,7 +197,7 @@ void parsePiece(std::string_view text, QQ& x) {
     }
     levels.push_back(level);
   }
-  for (auto level = levels.rbegin(); level != levels.rend(); ++level) wrap(*level, x);
+  for (; !levels.empty(); levels.pop_back()) wrap(levels.back(), x);
 }
 
 }  // namespace
@@ -213,7 +213,7 @@ void parse(std::string_view text, QQ& x) {
   }
   parsePiece(text, x);
   static const QQ ten = 10;
-  for (auto piece = pieces.rbegin(); piece != pieces.rend(); ++piece) mul(*piece, pow(ten, x), x);
+  for (; !pieces.empty(); pieces.pop_back()) mul(pieces.back(), pow(ten, x), x);
 }
 
 QQ::QQ(std::string_view text) { parse(text, *this); }
