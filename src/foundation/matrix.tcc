@@ -117,7 +117,8 @@ Vector<T> operator*(const Vector<T>& v, const Matrix<T>& A) {
 
 template <typename T>
 bool Matrix<T>::isRectangular() const {
-  return std::all_of(rows + 1, rows + rowCount + 1,
+  const auto all = this->elements();
+  return std::all_of(all.begin(), all.end(),
                      [this](const Vector<T>& row) { return row.MN == columnCount; });
 }
 

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
 #include <vector>
 
 namespace vexil {
@@ -18,58 +19,49 @@ struct Item {
 
 /// The vectors from `head` to `tail`, checked against the way back.
 std::vector<int> contents(const Set<Item>& set) {
-  std::vector<int> forward;
-  std::vector<int> backward;
+  std::vector<int> forward, backward;
   for (auto* p = set.head; p != nullptr; p = p->next) forward.push_back(p->element.vector);
-  for (auto* p = set.tail; p != nullptr; p = p->prev) backward.push_back(p->element.vector);
-  EXPECT_EQ(forward, std::vector<int>(backward.rbegin(), backward.rend()));
-  EXPECT_EQ(set.count, static_cast<std::int64_t>(forward.size()));
+  for (auto* p = set.tail; p != nullptr; p = p->prev) {
+    backward.insert(backward.begin(), p->element.vector);
+  }
+  EXPECT_EQ(forward, backward);
+  EXPECT_EQ(set.count, std::ssize(forward));
   return forward;
 }
 
 TEST(Set, KeepsTheOrderAndRefusesEqualAndSurplusElements) {
   Set<Item> set;
   set.clear();
-  EXPECT_TRUE(set.insert({1, 5}));
-  EXPECT_TRUE(set.insert({2, 1}));
-  EXPECT_FALSE(set.insert({1, 0}));
   set.setCapacity(3);
-  EXPECT_TRUE(set.insert({3, 9}));
-  EXPECT_FALSE(set.insert({4, 0}));
-  EXPECT_EQ(contents(set), (std::vector{1, 2, 3}));
-
+  std::vector<bool> results;
+  for (const int vector : {1, 2, 1, 3, 4}) results.push_back(set.insert({vector, -vector}));
+  EXPECT_EQ(results, (std::vector{true, true, false, true, false}));
   Set<Item> copy = set;
   copy.removeFirst();
-  EXPECT_EQ(contents(copy), (std::vector{2, 3}));
-  EXPECT_EQ(copy.capacity, 3);
   EXPECT_EQ(contents(set), (std::vector{1, 2, 3}));
   set = copy;
   copy.clear();
   EXPECT_EQ(contents(copy), std::vector<int>{});
   EXPECT_EQ(contents(set), (std::vector{2, 3}));
+  EXPECT_EQ(set.capacity, 3);
 }
 
 TEST(SortedSet, RunsFromWorstToBestAndDropsTheWorst) {
-  struct Case {
-    std::int64_t capacity;
-    std::vector<Item> inserted;
-    std::vector<bool> results;
-    std::vector<int> expected;
-  };
-  const std::vector<Case> cases = {
+  using Results = std::vector<bool>;
+  const std::tuple<int, std::vector<Item>, Results, std::vector<int>> cases[] = {
       {0, {{1, 5}, {2, 1}, {3, 3}, {4, 9}}, {true, true, true, true}, {4, 1, 3, 2}},
       {0, {{1, 5}, {2, 5}, {3, 5}}, {true, true, true}, {1, 2, 3}},  // ties in arrival order
       {0, {{1, 5}, {2, 1}, {1, 3}, {2, 1}}, {true, true, false, false}, {1, 2}},
       {1, {{1, 5}, {2, 3}, {3, 4}}, {true, true, false}, {2}},
       {2, {{1, 5}, {2, 3}, {3, 4}, {4, 6}, {5, 1}}, {true, true, true, false, true}, {2, 5}},
   };
-  for (const Case& c : cases) {
+  for (const auto& [capacity, inserted, accepted, expected] : cases) {
     SortedSet<Item> set;
-    set.setCapacity(c.capacity);
-    std::vector<bool> results;
-    for (const Item& item : c.inserted) results.push_back(set.insert(item));
-    EXPECT_EQ(results, c.results);
-    EXPECT_EQ(contents(set), c.expected);
+    set.setCapacity(capacity);
+    Results results;
+    for (const Item& item : inserted) results.push_back(set.insert(item));
+    EXPECT_EQ(results, accepted);
+    EXPECT_EQ(contents(set), expected);
   }
 }
 

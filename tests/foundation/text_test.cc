@@ -17,7 +17,8 @@ namespace {
 TEST(String, SplitsAsALineReaderDoes) {
   const auto joinedPieces = [](const String& text) {
     std::string result;
-    for (const String& piece : text.split('|').elements()) result += "<" + piece + ">";
+    const Array<String> pieces = text.split('|');
+    for (const String& piece : pieces.elements()) result += "<" + piece + ">";
     return result;
   };
   EXPECT_EQ(joinedPieces("a|b|"), "<a><b>");

@@ -4,6 +4,7 @@
 // by hand.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <csignal>
 #include <map>
 
@@ -87,6 +88,11 @@ std::string block(const std::string& x, const std::string& values, const std::st
          "\nSlack Norm: " + slackNorm + "\n" + (time.empty() ? "" : "Found after: " + time + "\n");
 }
 
+/// A star with one value to minimize, which is its norm.
+std::string minimized(const std::string& x, const std::string& norm, const std::string& time = "") {
+  return block(x, norm + "↓ ", norm, "0", time);
+}
+
 std::string report(const Texts& blocks) {
   std::string text = "\n";
   for (const std::string& star : blocks) {
@@ -108,24 +114,21 @@ void addCommandLines(std::vector<Case>& rows) {
     rows.push_back(row);
   }
   number = 0;
-  const std::vector<std::pair<Texts, std::string>> optFiles = {
-      {{"x.sol"}, "x.opt"},       {{"a.txt", "b.sol"}, "b.opt"}, {{"r.1/x.y.sol"}, "r.1/x.y.opt"},
-      {{"../x.sol"}, "../x.opt"}, {{"x.sol.sol"}, "x.sol.opt"},  {{".sol"}, ".sol.opt"},
-      {{"d.d/.sol"}, "d.d/.opt"}, {{"..sol"}, "..opt"}};
-  for (const auto& [arguments, optFile] : optFiles) {
+  const std::vector<std::pair<std::string, std::string>> optFiles = {
+      {"r.1/x.y.sol", "r.1/x.y.opt"}, {"../x.sol", "../x.opt"}, {"x.sol.sol", "x.sol.opt"},
+      {".sol", ".sol.opt"},           {"d.d/.sol", "d.d/.opt"}, {"..sol", "..opt"}};
+  for (const auto& [solFile, optFile] : optFiles) {
     Case row = refused("NoOptFile" + std::to_string(++number), std::nullopt, "[1 1]",
                        "Could not read opt file: " + optFile);
-    row.arguments = arguments;
+    row.arguments = {solFile};
     rows.push_back(row);
   }
-  number = 0;
-  for (const auto& [argument, base] : std::vector<std::pair<std::string, std::string>>{
-           {".sol", ".sol"}, {"dir.d/.sol", "dir.d/"}, {"run.1/x.y.sol", "run.1/x.y"}}) {
+  for (const std::string base : {".sol", "run.1/x.y"}) {  // the former is named without its ending
     Case row = kept("FileNames" + std::to_string(++number), Program(), "[1 1]",
-                    "[ 1 1 ] | 2 | [ 2 ] | 0 | -1 | \n", report({block("1 1", "2↓ ", "2", "0")}));
-    row.arguments = {"first.sol", argument};
+                    "[ 1 1 ] | 2 | [ 2 ] | 0 | -1 | \n", report({minimized("1 1", "2")}));
     row.optName = base + ".opt";
     row.solName = base + ".sol";
+    row.arguments = {"first.sol", base == ".sol" ? base : row.solName};
     rows.push_back(row);
   }
 }
@@ -135,22 +138,17 @@ void addFaultyPrograms(std::vector<Case>& rows) {
   const auto add = [&](const std::string& name, const std::string& opt, const std::string& text) {
     rows.push_back(refused(name, opt, "[ 1 1 ]\n", text));
   };
+  const std::string recheck = "recheck sdim case and the usage of n (eg. in opt2lat)";
   const std::string row1 = "[ [ 1 1 ] ]";
   const std::string rows2 = "[ [ 1 1 ] [ 1 1 ] ]";
   add("KtDimension", Program{.dt = "[ -inf ] = [ 1 2 ]", .At = rows2},
       "The dimensions of the target properties (kt, dt) differ (2, 1)");
-  add("KtMissing", Program{.dt = "[ -inf ] = 7"},
-      "The dimensions of the target properties (kt, dt) differ (0, 1)");
   add("AtRows", Program{.At = rows2, .bg = "[ 1 ]"},
       "The row count of At (2) differs with the dimension of dt (1)");
   add("AtOfEmptyRows", Program{.At = "[ [ ] ]"},
       "The row count of At (0) differs with the dimension of dt (1)");
-  add("CommentAheadOfKt", Program{.dt = "[ -inf ] /* known: */ = [ 1 ]"},
-      "The row count of At (0) differs with the dimension of dt (1)");
   add("AgRows", Program{.Ag = rows2, .bg = "[ 1 ]", .Au = "[ [ 1 ] ]"},
       "The row count of Ag (2) differs with the dimension of bg (1)");
-  add("AgRowsAheadOfN", Program{.dt = "[ ]", .At = "[ ]", .bg = "[ 1 ]"},
-      "The row count of Ag (0) differs with the dimension of bg (1)");
   add("NoVariables", Program{.dt = "[ ]", .At = "[ ]", .lu = "[ 1 ]"}, "Dimension error -- n == 0");
   add("NoBrackets", "garbage", "Dimension error -- n == 0");
   add("AgColumns", Program{.Ag = "[ [ 1 ] ]", .bg = "[ inf ]", .Au = "[ [ 1 ] ]"},
@@ -159,15 +157,13 @@ void addFaultyPrograms(std::vector<Case>& rows) {
       "The column count of Au (3) is not right ( != 2 )");
   add("AuGivesN", Program{.dt = "[ ]", .At = "[ ]", .Ag = "[ [ 1 ] ]", .bg = "[ 1 ]", .Au = row1},
       "The column count of Ag (1) is not right ( != 2 )");
-  add("AgGivesN", Program{.dt = "[ ]", .At = "[ ]", .Ag = "[ [ 1 1 1 ] ]", .bg = "[ 1 ]"},
-      "recheck sdim case and the usage of n (eg. in opt2lat)");
+  add("AgGivesN", Program{.dt = "[ ]", .At = "[ ]", .Ag = "[ [ 1 1 1 ] ]", .bg = "[ 1 ]"}, recheck);
   add("InfiniteAt", Program{.At = "[ [ 1 -inf ] ]", .Ag = row1, .bg = "[ inf ]"},
       "+-inf not allowed in At");
   add("InfiniteBg", Program{.Ag = "[ [ inf 1 ] ]", .bg = "[ -inf ]"}, "+-inf not allowed in bg");
   add("InfiniteAg",
       Program{.Ag = "[ [ 1 inf ] [ 1 1 ] ]", .bg = "[ 1 inf ]", .Au = "[ [ inf 1 ] ]"},
       "+-inf not allowed in Ag");
-  add("InfiniteAu", Program{.Au = "[ [ 1 inf ] ]"}, "+-inf not allowed in Au");
   add("LuDimension", Program{.Au = row1, .lu = "[ 1 2 ]", .ru = "[ 0 ]"},
       "The row count of Au ( 1) differs with the dimension of lu / ru ( 2)");
   add("RuDimension", Program{.Au = row1, .lu = "[ 5 ]", .ru = "[ 1 2 ]"},
@@ -177,8 +173,7 @@ void addFaultyPrograms(std::vector<Case>& rows) {
   add("UselessInequation",
       Program{.Au = rows2, .lu = "[ -inf 5 ]", .ru = "[ inf 4 ]", .rx = "[ 9 ]"},
       "Useless inequation -inf <= ... <= inf found");
-  add("RxShort", Program{.lx = "[ 0 0 0 ]", .rx = "[ 9 ]"},
-      "recheck sdim case and the usage of n (eg. in opt2lat)");
+  add("RxShort", Program{.lx = "[ 0 0 0 ]", .rx = "[ 9 ]"}, recheck);
   add("RxLong", Program{.lx = "[ 0 ]", .rx = "[ 9 9 9 ]"},
       "The dimension of rx has to be > 0 and < A_{t,u,g}.MN");
   add("LxDimension", Program{.dx = "[ 0 0 0 ]", .lx = "[ 10 ]"},
@@ -189,59 +184,52 @@ void addFaultyPrograms(std::vector<Case>& rows) {
   add("VectorForMatrix", Program{.At = "[ 1 1 ]"}, "Matrix: bad input");
   add("RowTooLong", Program{.Au = "[ [ ] [ 1 ] [ 1 1 ] ]"}, "Matrix row dimension mismatch");
   add("EmptyFile", "", "Matrix: bad stream");
-  add("EndsBehindDt", "[ -inf ]\n", "Matrix: bad stream");
   add("EndsBehindKt", "[ -inf ] = [ 1 ]", "Matrix: bad stream");
-  add("EndsBehindAg", "[ ] [ ] [ ]", "Matrix: bad stream");
-  add("EndsBehindLx", Program{.rx = ""}, "recheck sdim case and the usage of n (eg. in opt2lat)");
+  add("EndsBehindLx", Program{.rx = ""}, recheck);
   add("EndsInVector", "[ -inf", "QQ: parse error1");
   rows.push_back(aborted("EndsInMatrix", "[ -inf ] [ [ 1 1 ]"));
-  rows.push_back(aborted("EndsBehindAt", "[ ] [ ]"));
   rows.push_back(aborted("EndsBehindAu", "[ -inf ] [ [ 1 1 ] ] [ ] [ ] [ ]"));
   rows.push_back(aborted("EndsBehindDx", Program{.lx = "", .rx = ""}));
 }
 
 void addNumbers(std::vector<Case>& rows) {
   const std::vector<std::pair<std::string, Texts>> refusals = {
-      {"QQ: parse error1",
-       {"1.0", "1.", "2.00", "0,0", "1, 2", "1e2", "x", ".", "+", "-", "1:", "1:1:", "1:1.0"}},
+      {"QQ: parse error1", {"1.0", "1.", "0,0", "1, 2", "1e2", "x", ".", "+", "1:", "1:1.0"}},
       {"QQ: parse error2", {"+ix"}},
-      {"QQ: malformed number1", {"1:0/2", "1:01/2", "1:-1/2", "1:0"}},
-      {"QQ: malformed number2", {"1:3/2", "-1:2", "1:inf"}},
-      {"QQ: division by zero1", {"1/0", "1/", "2:1/0"}},
-      {"Vector: bad input2", {"ix", "-i", "i nf"}},
-      {"Vector: bad input3", {"inx", "-in"}},
-  };
+      {"QQ: malformed number1", {"1:0/2", "1:-1/2", "1:0"}},
+      {"QQ: malformed number2", {"-1:2", "1:inf"}},
+      {"QQ: division by zero1", {"1/", "2:1/0"}},
+      {"Vector: bad input2", {"ix", "i nf"}},
+      {"Vector: bad input3", {"-in"}}};
   int number = 0;
   for (const auto& [text, forms] : refusals) {
     for (const std::string& form : forms) {
-      const std::string name = "Number" + std::to_string(++number);
       const std::string vector = "[ 1 " + form + " ]";
-      rows.push_back(refused(name + "InProgram", Program{.lx = vector}, std::nullopt, text));
-      rows.push_back(refused(name + "InStar", Program(), vector, text));
+      rows.push_back(refused("Number" + std::to_string(++number), Program(), vector, text));
     }
   }
-  const Texts forms = {"3/2", "4/2",   "7:1/3", "-7:1/3", "0.25",   "0,25",
-                       ".5",  "1.05",  "007",   "-0",     "+3",     "--3",
-                       "- 5", "0.050", "0/5",   ":2/4",   "1:+1/2", LONG_NUMBER + "90123"};
-  // In exact precision each value stands as itself; the sum is 15:3/5 more than the last one.
-  const Texts values = {"1:1/2", "2",      "7:1/3", "-7:1/3", "1/4",   "1/4",
-                        "1/2",   "1:1/20", "7",     "0",      "3",     "3",
-                        "-5",    "1/20",   "0",     "1/2",    "1:1/2", LONG_NUMBER + "90123"};
+  // In exact precision each value stands as itself.
+  const std::vector<std::pair<std::string, std::string>> values = {
+      {"4/2", "2"},    {"-7:1/3", "-7:1/3"}, {"0.25", "1/4"},
+      {"0,25", "1/4"}, {".5", "1/2"},        {"1.05", "1:1/20"},
+      {"007", "7"},    {"-0", "0"},          {"--3", "3"},
+      {"- 5", "-5"},   {"0.050", "1/20"},    {"0/5", "0"},
+      {":2/4", "1/2"}, {"1:+1/2", "1:1/2"},  {LONG_NUMBER, LONG_NUMBER}};
   std::string dt, At, list, marked;
-  for (std::size_t i = 0; i < forms.size(); ++i) {
+  for (const auto& [form, value] : values) {
     dt += "-inf ";
-    At += "[ " + forms[i] + " ]";
-    list += values[i] + " ";
-    marked += values[i] + "↓ ";
+    At += "[ " + form + " ]";
+    list += value + " ";
+    marked += value + "↓ ";
   }
-  const std::string sum = "12345678901234567890138:3/5";
+  const std::string sum = "123456789012345681:23/30";
   rows.push_back(kept("NumberForms",
                       "[ " + dt + "] [ " + At + "] [ ] [ ] [ ] [ ] [ ] [ 0 ] [ 1 ] [ 1 ]",
                       "[ 1 ]\n", "[ 1 ] | " + sum + " | [ " + list + "] | 0 | -1 | \n",
                       report({block("1", marked, sum, "0")})));
   rows.push_back(kept("Infinities", Program{.rx = "[ inf +inf ]"}, "[ inf 1 ]\n",
                       "[ inf 1 ] | inf | [ inf ] | 0 | -1 | \n",
-                      report({block("inf 1", "inf↓ ", "inf", "0")})));
+                      report({minimized("inf 1", "inf")})));
   rows.push_back(refused("ZeroTimesInfinity", Program{.At = "[ [ 0 1 ] ]", .rx = "[ inf 9 ]"},
                          "[ inf 1 ]\n", "qq: 0 * INF is not defined!"));
   rows.push_back(refused("InfinityMinusInfinity",
@@ -255,10 +243,8 @@ void addPrograms(std::vector<Case>& rows) {
                       "[2 1]|0|[]|0|12|--a=1|2.2.3\n[ 1 1 ] | 0 | [ ] | 0 | -1 | --a=1\n",
                       "[ 2 1 ] | -1 | [ 4 7 3 ] | 2 | 12 | --a=1 | 2.2.3\n"
                       "[ 1 1 ] | 2 | [ 3 4 2 ] | 3 | -1 | --a=1 | 2.2.3\n",
-                      "\nx = [ 2 1 ]\n\nTarget values: [ 4↓ 7↑ 3→5 ]\n"
-                      "Target Norm: -1\nSlack Norm: 2\nFound after: 12 sec(s)\n"
-                      "\n---\n\nx = [ 1 1 ]\n\nTarget values: [ 3↓ 4↑ 2→5 ]\n"
-                      "Target Norm: 2\nSlack Norm: 3\n\n"));
+                      report({block("2 1", "4↓ 7↑ 3→5 ", "-1", "2", "12 sec(s)"),
+                              block("1 1", "3↓ 4↑ 2→5 ", "2", "3")})));
   rows.push_back(kept("Comments",
                       Program{.dt = "// One\n[ -inf ] = /* two */ [ /**/ 7 ] // three\n",
                               .rx = "[ 9 9 ] [ no matter"},
@@ -276,18 +262,15 @@ void addPrograms(std::vector<Case>& rows) {
                          "[ 1 1 ]\n"));
   // The variables stand for one kind of test each: bounds, equation, left and right of inequations.
   const auto bare = [](int i) { return "[ " + std::to_string(i) + " 1 2 3 ]"; };
-  std::string after;
-  Texts blocks;
-  for (int i = 1; i <= 4; ++i) {
-    after += bare(i) + " | 0 | [ ] | 0 | -1 | \n";
-    blocks.push_back(block(std::to_string(i) + " 1 2 3", "", "0", "0"));
-  }
+  const std::string asBare = " | 0 | [ ] | 0 | -1 | \n";
   rows.push_back(kept("FailingStars",
                       "[ ] [ ] [ [ 0 1 0 0 ] ] [ 1 ] [ [ 0 0 1 0 ] [ 0 0 0 1 ] ] [ 2 -inf ] "
                       "[ inf 3 ] [ 0 0 0 0 ] [ 0 -99 -99 -99 ] [ 9 99 99 99 ]",
                       bare(-1) + bare(1) + bare(10) + bare(2) + "[ 0 2 2 3 ]" + bare(3) +
                           "[ 0 1 1 3 ]" + bare(4) + "[ 0 1 2 4 ]",
-                      after, report(blocks)));
+                      bare(1) + asBare + bare(2) + asBare + bare(3) + asBare + bare(4) + asBare,
+                      report({block("1 1 2 3", "", "0", "0"), block("2 1 2 3", "", "0", "0"),
+                              block("3 1 2 3", "", "0", "0"), block("4 1 2 3", "", "0", "0")})));
   rows.push_back(kept(
       "EquationsHaveATolerance", "[ ] [ ] [ [ 1 ] ] [ 1 ] [ ] [ ] [ ] [ 0 ] [ 0 ] [ 1.0000000005 ]",
       "[ 0.999999998 ]\n[ 1.0000000002 ]\n[ 1.0000000007 ]\n",
@@ -300,18 +283,16 @@ void addPrecision(std::vector<Case>& rows) {
                        const std::string& norm) {
     rows.push_back(kept(name, program, "[ " + x + " ]\n",
                         "[ " + written + " ] | " + norm + " | [ " + norm + " ] | 0 | -1 | \n",
-                        report({block(shown, norm + "↓ ", norm, "0")})));
+                        report({minimized(shown, norm)})));
   };
   const Program wide{.At = "[ [ 0 1 ] ]", .rx = "[ inf 9 ]"};
   const Program third{.At = "[ [ 1/3 0 ] ]", .rx = "[ 9 inf ]"};
   const std::string thrice = "99999999999999999/100000000000000000";
-  add("ThirdIsStandard", third, "1 5", "1 5", "1 5", "0.333333");
   add("LongCoefficientIsExact", {.At = "[ [ 1/3 " + LONG_NUMBER + " ] ]"}, "1 1", "1 1", "1 1",
       LONG_NUMBER + ":1/3");
   add("MillionHasExponent", {.At = "[ [ 1234567 1 ] ]"}, "1 0", "1 0", "1 0", "1.23457e+06");
   add("ElementOfSeventeenDigits", wide, "99999999999999999 1", "99999999999999999 1", "1e+17 1",
       "1");
-  add("RoundElement", wide, "100000000000000000 1", "1e+17 1", "1e+17 1", "1");
   add("LongElementIsExact", wide, "100000000000000001 1", "100000000000000001 1",
       "100000000000000001 1", "1");
   add("FractionalElement", {}, "1/3 0,5", "0.33333333333333333 0.5", "0.333333 0.5", "0.833333");
@@ -322,7 +303,7 @@ void addPrecision(std::vector<Case>& rows) {
       "BackToStandard", Program{.At = "[ [ 1/3 0 ] ]"},
       "[ 1 1 ] | 0 | [ ] | 0 | -1 | --a=1\n[ 1 " + LONG_NUMBER + " ] | 0 | [ ] | 0 | -1 | --a=1\n",
       "[ 1 1 ] | 0.333333 | [ 0.333333 ] | 0 | -1 | --a=1\n",
-      report({block("1 1", "0.333333↓ ", "0.333333", "0")})));
+      report({minimized("1 1", "0.333333")})));
   rows.push_back(kept("NormsAsRead", WITHOUT_TARGETS, "[ 1 1 ] | +1/3 | [ ] | -3/2 | -1 | --a=1\n",
                       "[ 1 1 ] | 0.333333 | [ ] | -1.5 | -1 | --a=1\n",
                       report({block("1 1", "", "0.333333", "-1.5")})));
@@ -342,17 +323,15 @@ void addSolFiles(std::vector<Case>& rows) {
   const auto fail = [&](const std::string& name, const std::string& sol, const std::string& text) {
     rows.push_back(refused(name, Program(), sol, text));
   };
-  const std::string found = block("2 1", "3↓ ", "3", "0", "7 sec(s)");
-  const std::string bare = block("2 1", "3↓ ", "3", "0");
+  const std::string found = minimized("2 1", "3", "7 sec(s)");
+  const std::string bare = minimized("2 1", "3");
   rows.push_back(emptied("NoFile", Program(), std::nullopt));
   rows.push_back(emptied("Nothing", Program(), ""));
   rows.push_back(emptied("OnlyComments", Program(), " \n/* no */ // stars\n"));
   rows.push_back(emptied("NoElements", Program(), "[ ] | 0 | [ ] | 0 | 7" + texts));
   rows.push_back(emptied("CutBehindNorm", Program(), "[ 2 1 ] | 3"));
-  fail("CutBehindBar", "[ 2 1 ] |", "QQ: parse error1");
   fail("CutBehindValues", "[ 2 1 ] | 3 | [ 3 ]", "QQ: parse error1");
   add("CutBehindSlackNorm", "[ 2 1 ] | 3 | [ 3 ] | 0", star + "-1 | \n", {bare});
-  add("CutBehindTime", "[ 2 1 ] | 3 | [ 3 ] | 0 | 7", star + "7 | \n", {found});
   add("NoNewline", "[ 2 1 ] | 3 | [ 3 ] | 0 | 7 | --a=1", star + "7 | --a=1\n", {found});
   add("AllComments",
       "/* first */ [ 2 // two\n 1 ] /* bar */ | // norm\n0 /**/ | [ /* none */ ] | 0 | 7 /* s */\n"
@@ -365,144 +344,99 @@ void addSolFiles(std::vector<Case>& rows) {
   add("StartsWithBar", "| 0 | [ ] | 0 | 7" + texts + "[ 2 1 ]", star + "7 | \n", {found});
   add("BareTakesTime", "[ 1 1 ] | 0 | [ ] | 0 | 7" + texts + "[ 2 1 ]\n",
       "[ 1 1 ] | 2 | [ 2 ] | 0 | 7" + texts + star + "7 | \n",
-      {block("1 1", "2↓ ", "2", "0", "7 sec(s)"), found});
+      {minimized("1 1", "2", "7 sec(s)"), found});
   add("InvalidBareTakesNorms", "[ 10 0 ] | 5 | [ 6 ] | -2 | 7" + texts + "[ 11 0 ]\n",
       "[ 11 0 ] | 5 | [ 6 ] | -2 | 7 | \n", {block("11 0", "6↓ ", "5", "-2", "7 sec(s)")});
   add("Versions",
-      "[ 1 0 ] | 0 | [ ] | 0 | -1 | --a=1 | 1.5\n"
-      "[ 2 0 ] | 0 | [ ] | 0 | -1 | --b=2 | 9.9 | more\n"
-      "[ 3 0 ] | 0 | [ ] | 0 | -1 | --c=3\n"
-      "[ 4 0 ] | 0 | [ ] | 0 | -1 | --d=4 |\n"
-      "[ 5 0 ] | 0 | [ ] | 0 | -1 | --e=5 | \n",
-      "[ 1 0 ] | 1 | [ 1 ] | 0 | -1 | --a=1 | 1.5\n"
-      "[ 2 0 ] | 2 | [ 2 ] | 0 | -1 | --b=2 | 1.5\n"
-      "[ 3 0 ] | 3 | [ 3 ] | 0 | -1 | --c=3 | 1.5\n"
-      "[ 4 0 ] | 4 | [ 4 ] | 0 | -1 | --d=4 | 1.5\n"
-      "[ 5 0 ] | 5 | [ 5 ] | 0 | -1 | --e=5\n",
-      {block("1 0", "1↓ ", "1", "0"), block("2 0", "2↓ ", "2", "0"), block("3 0", "3↓ ", "3", "0"),
-       block("4 0", "4↓ ", "4", "0"), block("5 0", "5↓ ", "5", "0")});
+      "[ 1 0 ] | 0 | [ ] | 0 | -1 | --a=1 | 1.5\n[ 2 0 ] | 0 | [ ] | 0 | -1 | --b=2 | 9.9 | more\n"
+      "[ 3 0 ] | 0 | [ ] | 0 | -1 | --c=3\n[ 4 0 ] | 0 | [ ] | 0 | -1 | --d=4 | \n",
+      "[ 1 0 ] | 1 | [ 1 ] | 0 | -1 | --a=1 | 1.5\n[ 2 0 ] | 2 | [ 2 ] | 0 | -1 | --b=2 | 1.5\n"
+      "[ 3 0 ] | 3 | [ 3 ] | 0 | -1 | --c=3 | 1.5\n[ 4 0 ] | 4 | [ 4 ] | 0 | -1 | --d=4\n",
+      {minimized("1 0", "1"), minimized("2 0", "2"), minimized("3 0", "3"), minimized("4 0", "4")});
   add("EmptyOptionsTakeTheNextLine",
       "[ 2 1 ] | 0 | [ ] | 0 | 7 | \n[ 3 1 ] | 0 | [ ] | 0 | -1" + texts, star + "7 | [ 3 1 ]\n",
       {found});
   add("UnreadableTime",
       "[ 2 1 ] | 0 | [ ] | 0 | soon" + texts + "[ 1 1 ] | 0 | [ ] | 0 | 7" + texts, star + "0 | \n",
-      {block("2 1", "3↓ ", "3", "0", "0 sec(s)")});
+      {minimized("2 1", "3", "0 sec(s)")});
   add("FractionalTime", "[ 2 1 ] | 0 | [ ] | 0 | 7.5" + texts, star + "7 | .5\n", {found});
   // Of two failing neighbours the second is not looked at.
-  add("SecondFailingStar",
-      "[ 10 0 ] | 0 | [ 0 ] | 0 | -1" + texts + "[ 11 0 ] | 7 | [ 8 ] | 6 | -1" + texts +
-          "[ 2 1 ] | 0 | [ ] | 0 | 7" + texts,
-      star + "7" + texts + "[ 11 0 ] | 7 | [ 8 ] | 6 | -1" + texts,
-      {found, block("11 0", "8↓ ", "7", "6")});
   rows.push_back(refused("SecondFailingStarWithoutValues", Program(), "[ 10 0 ][ 11 0 ]",
                          "Array: index out of range"));
   rows.back().after = "[ 11 0 ] | 0 | [ ] | 0 | -1 | \n";
   const std::string shortStar = "[ 2 ] | 3 | [ 3 ] | 0 | 7 | --a=1\n";
   add("SecondFailingStarIsShort", "[ 10 0 ] | 0 | [ ] | 0 | -1 | --a=1\n" + shortStar, shortStar,
-      {block("2", "3↓ ", "3", "0", "7 sec(s)")});
+      {minimized("2", "3", "7 sec(s)")});
   fail("SecondFailingStarMeetsAnother",
        "[ 10 0 ] | 0 | [ ] | 0 | -1 | --a=1\n" + shortStar + star + "7" + texts,
        "Vector: dimension mismatch9");
   fail("WrongLength", shortStar, "Vector: dimension mismatch10");
   fail("WrongLengthOfFullLine", shortStar + "[ 1 x ]", "QQ: parse error1");
   fail("WrongLengthOfBareLine", "[ 1 2 3 ]\n[ 1 x ]", "Vector: dimension mismatch10");
-  fail("EmptyBareLine", "[ ]\n", "Vector: dimension mismatch10");
   fail("NoBracket", "2 1\n", "Vector: dimension mismatch10");
   fail("CutInVector", "[ 2 1", "QQ: parse error1");
   fail("NoNorm", "[ 2 1 ] | | [ ] | 0 | 7" + texts, "QQ: parse error1");
-  fail("BadNorm", "[ 2 1 ] | 1/0 | [ ] | 0 | 7" + texts, "QQ: division by zero1");
   fail("BadSlackNorm", "[ 2 1 ] | 1 | [ ] | 1:2 | 7" + texts, "QQ: malformed number2");
-  fail("BadValues", "[ 2 1 ] | 1 | [ ix ] | 1 | 7" + texts, "Vector: bad input2");
   fail("NormWithExponent", "[ 1 0 ] | 1.23457e+06 | [ 1.23457e+06 ] | 0 | 7" + texts,
        "QQ: parse error1");
 }
 
 void addOrder(std::vector<Case>& rows) {
-  // A line by its elements, both norms, time and texts.
-  struct Line {
-    std::string x, targetNorm, slackNorm, time, texts;
+  const auto add = [&](const std::string& name, const std::string& before, const std::string& after,
+                       const Texts& shown) {
+    rows.push_back(kept(name, WITHOUT_TARGETS, before, after, report(shown)));
   };
-  const auto text = [](const std::vector<Line>& lines) {
-    std::string all;
-    for (const Line& line : lines) {
-      all += "[ " + line.x + " ] | " + line.targetNorm + " | [ ] | " + line.slackNorm + " | " +
-             line.time + " | " + line.texts + "\n";
-    }
-    return all;
-  };
-  const auto add = [&](const std::string& name, const std::vector<Line>& before,
-                       const std::vector<Line>& after, const Texts& shown) {
-    rows.push_back(kept(name, WITHOUT_TARGETS, text(before), text(after), report(shown)));
-  };
-  const auto plain = [](const std::string& x) { return block(x, "", "0", "0"); };
-  const Line best{"1 5", "1", "2", "5", "--a=1 | 2"}, later{"1 4", "1", "2", "9", "--a=1 | 2"},
-      untimed{"1 3", "1", "2", "-1", "--a=1 | 2"}, slack{"1 2", "1", "3", "1", "--a=1 | 2"},
-      worst{"1 1", "2", "0", "1", "--a=1 | 2"};
-  add("ByNormsAndTime", {worst, slack, untimed, later, best}, {best, later, untimed, slack, worst},
-      {block("1 5", "", "1", "2", "5 sec(s)"), block("1 4", "", "1", "2", "9 sec(s)"),
-       block("1 3", "", "1", "2"), block("1 2", "", "1", "3", "1 sec(s)"),
-       block("1 1", "", "2", "0", "1 sec(s)")});
-  const Line old{"1 1", "0", "0", "-1", "--a=1 | 2.9.1"},
-      young{"1 2", "0", "0", "-1", "--a=1 | 2.10.0"}, same{"1 3", "0", "0", "-1", "--a=1 | 2.10"};
-  add("ByVersion", {same, old, young}, {young, same, old},
-      {plain("1 2"), plain("1 3"), plain("1 1")});
-  const Line nine{"9 0", "0", "0", "-1", "--a=1 | 2"}, ten{"10 0", "0", "0", "-1", "--a=1 | 2"},
-      minus{"-1 0", "0", "0", "-1", "--a=1 | 2"};
-  add("ByText", {nine, ten, minus}, {minus, ten, nine},
-      {plain("-1 0"), plain("10 0"), plain("9 0")});
-  // The options of the one that came behind by version or text may yet put it first: then both
-  // precede each other, and the stars stay as they stand.
-  const Line oldA{"1 1", "0", "0", "-1", "--a=1 | 1"}, newB{"1 2", "0", "0", "-1", "--b=1 | 2"};
-  add("OldFirst", {oldA, newB}, {oldA, newB}, {plain("1 1"), plain("1 2")});
-  add("NewFirst", {newB, oldA}, {newB, oldA}, {plain("1 2"), plain("1 1")});
-  const Line tenB{"10 0", "0", "0", "-1", "--b=1 | 2"};
-  add("GreaterTextFirst", {nine, tenB}, {nine, tenB}, {plain("9 0"), plain("10 0")});
-  // The file keeps a star once for each of its options, the report once.
-  const Line nineA{"1 1", "0", "0", "9", "--a=1 | 2"}, fiveB{"1 1", "0", "0", "5", "--b=1 | 2"},
-      sevenA{"1 1", "0", "0", "7", "--a=1 | 3"};
-  add("Duplicates", {nineA, fiveB, sevenA, nineA}, {fiveB, sevenA},
-      {block("1 1", "", "0", "0", "5 sec(s)")});
-  for (const auto& [name, rx] :
-       {std::pair<std::string, std::string>{"Standard", "9"}, {"Extended", LONG_NUMBER}}) {
-    rows.push_back(
-        kept(name + "TolerantDuplicates", Program{.At = "[ [ 0 1 ] ]", .rx = "[ 9 " + rx + " ]"},
-             "[ 1.0000000005 1 ]\n[ 1 1 ]\n[ 1.000000002 1 ]\n",
-             name == "Standard" ? "[ 1 1 ] | 1 | [ 1 ] | 0 | -1 | \n"
-                                  "[ 1.000000002 1 ] | 1 | [ 1 ] | 0 | -1 | \n"
-                                : "[ 1 1 ] | 1 | [ 1 ] | 0 | -1 | \n"
-                                  "[ 1:1/500000000 1 ] | 1 | [ 1 ] | 0 | -1 | \n",
-             report({block("1 1", "1↓ ", "1", "0"),
-                     block(name == "Standard" ? "1 1" : "1:1/500000000 1", "1↓ ", "1", "0")})));
-  }
-  const std::vector<std::pair<std::string, std::string>> times = {
-      {"-5", "59:55 min(s):sec(s) == -5 secs"},
-      {"0", "0 sec(s)"},
-      {"60", "1:00 min(s):sec(s) == 60 secs"},
-      {"3599", "59:59 min(s):sec(s) == 3599 secs"},
-      {"36061", "10:01:01 hour(s):min(s):sec(s) == 36061 secs"},
-      {"3600000000", "1e+06:00:00 hour(s):min(s):sec(s) == 3600000000 secs"},
-      {"9223372036854775807",
-       "2.56205e+15:30:07 hour(s):min(s):sec(s) == 9223372036854775807 secs"}};
-  std::vector<Line> lines;
+  // Each one by its norms and its time. The later ones would come first by their elements.
+  const std::vector<std::array<std::string, 4>> bestFirst = {
+      {"1", "2", "-5", "59:55 min(s):sec(s) == -5 secs"},
+      {"1", "2", "0", "0 sec(s)"},
+      {"1", "2", "60", "1:00 min(s):sec(s) == 60 secs"},
+      {"1", "2", "3599", "59:59 min(s):sec(s) == 3599 secs"},
+      {"1", "2", "36061", "10:01:01 hour(s):min(s):sec(s) == 36061 secs"},
+      {"1", "2", "3600000000", "1e+06:00:00 hour(s):min(s):sec(s) == 3600000000 secs"},
+      {"1", "2", "9223372036854775807",
+       "2.56205e+15:30:07 hour(s):min(s):sec(s) == 9223372036854775807 secs"},
+      {"1", "2", "-1", ""},
+      {"1", "3", "1", "1 sec(s)"},
+      {"2", "0", "1", "1 sec(s)"}};
+  std::string before, after;
   Texts blocks;
-  for (const auto& [time, shown] : times) {
-    lines.push_back({"1 " + std::to_string(lines.size()), "0", "0", time, "--a=1"});
-    blocks.push_back(block(lines.back().x, "", "0", "0", shown));
+  for (const auto& [targetNorm, slackNorm, time, shown] : bestFirst) {
+    const std::string x = "1 " + std::to_string(99 - blocks.size());
+    const std::string line =
+        "[ " + x + " ] | " + targetNorm + " | [ ] | " + slackNorm + " | " + time + " | --a=1\n";
+    before.insert(0, line);
+    after += line;
+    blocks.push_back(block(x, "", targetNorm, slackNorm, shown));
   }
-  add("TimesInOrder", lines, lines, blocks);
-  add("NotEvaluated", {{"1 1", "5", "-1", "7", "--a=1"}}, {{"1 1", "5", "-1", "7", "--a=1"}},
-      {"x = [ 1 1 ]\n\n"});
+  add("ByNormsAndTime", before, after, blocks);
+  // The options of the one that came behind by version may yet put it first: then both precede each
+  // other, and the stars stay as they stand.
+  const std::string old = "[ 1 1 ] | 0 | [ ] | 0 | -1 | --a=1 | 2.9\n",
+                    young = "[ 1 2 ] | 0 | [ ] | 0 | -1 | --b=1 | 2.10\n";
+  const std::string oldBlock = block("1 1", "", "0", "0"), youngBlock = block("1 2", "", "0", "0");
+  add("OldFirst", old + young, old + young, {oldBlock, youngBlock});
+  add("YoungFirst", young + old, young + old, {youngBlock, oldBlock});
+  // The file keeps a star once for each of its options, the report once.
+  const std::string star = "[ 1 1 ] | 0 | [ ] | 0 | ";
+  const std::string fiveB = star + "5 | --b=1 | 2\n", sevenA = star + "7 | --a=1 | 3\n",
+                    nineA = star + "9 | --a=1 | 2\n";
+  add("Duplicates", nineA + fiveB + sevenA + nineA, fiveB + sevenA,
+      {block("1 1", "", "0", "0", "5 sec(s)")});
+  rows.push_back(
+      kept("TolerantDuplicates", Program(), "[ 1.0000000005 1 ]\n[ 1 1 ]\n[ 1.000000002 1 ]\n",
+           "[ 1 1 ] | 2 | [ 2 ] | 0 | -1 | \n[ 1.000000002 1 ] | 2 | [ 2 ] | 0 | -1 | \n",
+           report({minimized("1 1", "2"), minimized("1 1", "2")})));
+  const std::string notEvaluated = "[ 1 1 ] | 5 | [ ] | -1 | 7 | --a=1\n";
+  add("NotEvaluated", notEvaluated, notEvaluated, {"x = [ 1 1 ]\n\n"});
 }
 
 std::vector<Case> allCases() {
   std::vector<Case> rows;
-  addCommandLines(rows);
-  addFaultyPrograms(rows);
-  addNumbers(rows);
-  addPrograms(rows);
-  addPrecision(rows);
-  addSolFiles(rows);
-  addOrder(rows);
+  for (const auto add : {addCommandLines, addFaultyPrograms, addNumbers, addPrograms, addPrecision,
+                         addSolFiles, addOrder}) {
+    add(rows);
+  }
   return rows;
 }
 

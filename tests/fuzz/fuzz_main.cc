@@ -5,10 +5,12 @@
 // Feeds changed opt and sol files to the tool and changed texts to the readers that the tool does
 // not reach, each in a process of its own. Any end is right but a crash, a hang, a report of a
 // sanitizer and a file that is changed where it should not be: then the input is kept in
-// fuzz-failure-<seed>/, and "--seed <seed> --runs 1" repeats it.
+// fuzz-failure-<seed>/, and "--seed <seed> --runs 1" repeats it. Unless told, there are 10 seconds.
 #include <csignal>
 #include <iostream>
 #include <map>
+#include <memory>
+#include <regex>
 #include <sstream>
 
 #include "foundation/matrix.h"
@@ -22,9 +24,6 @@
 namespace vexil::fuzz {
 namespace {
 
-namespace fs = std::filesystem;
-using Clock = std::chrono::steady_clock;
-using Files = std::map<std::string, std::string>;
 using Texts = std::vector<std::string>;
 
 const Texts OPT_FILES = {
@@ -66,57 +65,35 @@ struct Options : ExtendedParams<QQ> {
   Options() = default;
 };
 
-template <typename T>
-void readAndWrite(std::stringstream& in, T object) {
+void readAndWrite(std::stringstream& in, auto&& object) {
   object.read(in);
   object.write(std::cout);
 }
 
-/// Has one of the readers read `text`.
-void readText(std::size_t reader, const std::string& text) {
-  std::stringstream in(text);
-  switch (reader) {
-    case 0:
-      return readAndWrite(in, SerializableArray<String>(", ", false, false));
-    case 1:
-      return readAndWrite(in, SerializableArray<String>(",\n", true, false));
-    case 2:
-      return readAndWrite(in, Vector<long>());
-    case 3:
-      return readAndWrite(in, Vector<dbl_t>());
-    case 4:
-      return readAndWrite(in, Matrix<dbl_t>());
-    case 5:
-      return readAndWrite(in, Matrix<QQ>());
-    default:
-      break;
-  }
-  releaseNamesOnAbruptEnd();
-  Options options;
-  options.read(in);
-  options.write(std::cout);
-}
-constexpr std::size_t READERS = 7;
-
-/// Powers are as large as the exponent of an option says: those stay out.
-bool hasExponent(const std::string& text) {
-  for (std::size_t i = text.find_first_of("eE"); i != text.npos;
-       i = text.find_first_of("eE", i + 1)) {
-    if (text.find_first_of("0123456789+-.,/:", i + 1) == i + 1) return true;
-  }
-  return false;
-}
+/// The readers that the tool does not reach.
+const std::vector<void (*)(std::stringstream&)> READERS = {
+    [](auto& in) { readAndWrite(in, SerializableArray<String>(", ", false, false)); },
+    [](auto& in) { readAndWrite(in, SerializableArray<String>(",\n", true, false)); },
+    [](auto& in) { readAndWrite(in, Vector<long>()); },
+    [](auto& in) { readAndWrite(in, Vector<dbl_t>()); },
+    [](auto& in) { readAndWrite(in, Matrix<dbl_t>()); },
+    [](auto& in) { readAndWrite(in, Matrix<QQ>()); },
+    [](auto& in) {
+      releaseNamesOnAbruptEnd();
+      readAndWrite(in, Options());
+    }};
 
 /// A run with the input that belongs to its seed.
 class Attempt {
  public:
   explicit Attempt(std::uint64_t seed) : seed_(seed), random_(seed) {
     if (below(random_, 4) == 0) {
-      const std::size_t reader = below(random_, READERS);
-      std::string text = mutated(READER_TEXTS, random_);
-      if (hasExponent(text)) text = READER_TEXTS.back();
-      files_ = {{"text" + std::to_string(reader), text}};
-      child_.emplace([&] { return readText(reader, text), 0; });
+      const std::size_t reader = below(random_, READERS.size());
+      std::stringstream text(mutated(READER_TEXTS, random_));
+      // Powers are as large as the exponent of an option says: those stay out.
+      if (std::regex_search(text.str(), std::regex("[eE][0-9+.,/:-]"))) text.str("[ 1 2 3 ]");
+      files_ = {{"text" + std::to_string(reader), text.str()}};
+      child_.emplace([&] { return READERS[reader](text), 0; });
       return;
     }
     // One of the two stays valid more often than not, so that runs get far.
@@ -135,15 +112,12 @@ class Attempt {
     const std::string fault = faultOf(end);
     ++ends[end.signal != 0 ? "exceptions" : end.status != 0 ? "failures" : "full runs"];
     if (fault.empty()) return true;
-    const fs::path kept = "fuzz-failure-" + std::to_string(seed_);
+    const std::filesystem::path kept = "fuzz-failure-" + std::to_string(seed_);
     std::cout << "seed " << seed_ << ": " << fault << "; status " << end.status << ", signal "
               << end.signal << "; kept in " << kept << '\n';
     files_["stdout"] = end.out;
     files_["stderr"] = end.err;
-    for (const auto& [name, text] : files_) {
-      support::writeFile(kept / name, text);
-      std::cout << "---- " << name << '\n' << text << '\n';
-    }
+    for (const auto& [name, text] : files_) support::writeFile(kept / name, text);
     return false;
   }
 
@@ -171,45 +145,22 @@ class Attempt {
   std::uint64_t seed_;
   Random random_;
   support::TemporaryFolder folder_;
-  Files files_;
+  std::map<std::string, std::string> files_;
   std::optional<support::Child> child_;
 };
 
-struct Limits {
-  std::uint64_t seed = std::random_device()();
-  std::uint64_t runs = 0;  ///< 0: as many as the time allows
-  std::chrono::seconds time{0};
-};
-
-Limits readArguments(int count, char** words) {
-  Limits limits;
-  for (int i = 1; i + 1 < count; i += 2) {
-    const std::string word = words[i];
-    const std::uint64_t value = std::stoull(words[i + 1]);
-    if (word == "--seed") limits.seed = value;
-    if (word == "--runs") limits.runs = value;
-    if (word == "--seconds") limits.time = std::chrono::seconds(value);
-  }
-  if (limits.runs == 0 && limits.time.count() == 0) limits.time = std::chrono::seconds(10);
-  return limits;
-}
-
-bool fuzz(const Limits& limits) {
-  std::cout << "seed " << limits.seed << std::endl;
+bool fuzz(std::uint64_t seed, std::uint64_t runs, std::chrono::seconds time) {
+  std::cout << "seed " << seed << std::endl;
   std::map<std::string, int> ends;
-  const auto start = Clock::now();
-  const auto goesOn = [&](std::uint64_t run) {
-    return (limits.runs == 0 || run < limits.runs) &&
-           (limits.time.count() == 0 || Clock::now() - start < limits.time);
-  };
+  const auto deadline = std::chrono::steady_clock::now() + time;
   bool right = true;
-  for (std::uint64_t run = 0; right && goesOn(run); run += 2) {
-    Attempt one(limits.seed + run);
-    std::optional<Attempt> two;
-    if (goesOn(run + 1)) two.emplace(limits.seed + run + 1);
-    right = one.finish(ends);
-    if (two && !two->finish(ends)) right = false;
+  std::unique_ptr<Attempt> running;  // while the next one starts
+  for (; right && runs > 0 && std::chrono::steady_clock::now() < deadline; --runs) {
+    auto next = std::make_unique<Attempt>(seed++);
+    right = running == nullptr || running->finish(ends);
+    running = std::move(next);
   }
+  if (running != nullptr && !running->finish(ends)) right = false;
   for (const auto& [end, number] : ends) std::cout << number << ' ' << end << '\n';
   return right;
 }
@@ -218,5 +169,9 @@ bool fuzz(const Limits& limits) {
 }  // namespace vexil::fuzz
 
 int main(int count, char** words) {
-  return vexil::fuzz::fuzz(vexil::fuzz::readArguments(count, words)) ? 0 : 1;
+  std::map<std::string, std::uint64_t> limits = {
+      {"--seed", std::random_device()()}, {"--runs", ~std::uint64_t{0}}, {"--seconds", 10}};
+  for (int i = 1; i + 1 < count; i += 2) limits[words[i]] = std::stoull(words[i + 1]);
+  const std::chrono::seconds time(limits["--seconds"]);
+  return vexil::fuzz::fuzz(limits["--seed"], limits["--runs"], time) ? 0 : 1;
 }

@@ -9,30 +9,21 @@
 
 #include <csignal>
 #include <cstdio>
-#include <filesystem>
 #include <memory>
-#include <vector>
 
 #include "foundation/failure.h"
-#include "params/mutex_vars.h"
+#include "support/tool_run.h"
 
 namespace vexil {
 namespace {
-
-using testing::ExitedWithCode;
 
 /// Process, second and counter of a cell's name.
 struct Name {
   long process = 0;
   long second = 0;
   long counter = 0;
-  explicit Name(const NamedSemaphore& semaphore) {
-    const int fields =
-        std::sscanf(semaphore.name.c_str(), "/%ld_%ld_%ld", &process, &second, &counter);
-    EXPECT_EQ(fields, 3);
-  }
-  [[nodiscard]] String at(long otherCounter) const {
-    return joined('/', process, '_', second, '_', otherCounter);
+  explicit Name(const String& name) {
+    EXPECT_EQ(std::sscanf(name.c_str(), "/%ld_%ld_%ld", &process, &second, &counter), 3);
   }
 };
 
@@ -42,29 +33,19 @@ bool makeSemaphore(const String& name) {
   return made != SEM_FAILED && sem_close(made) == 0;
 }
 
-/// How many names with the process id that cells of this process bear the system holds.
-long namesInUse() {
-  static const MutexType<long> cell;
-  const std::string prefix = joined("sem.", Name(cell.lock).process, '_');
-  long count = 0;
-  for (const auto& file : std::filesystem::directory_iterator("/dev/shm")) {
-    count += file.path().filename().string().starts_with(prefix) ? 1 : 0;
-  }
-  return count;
-}
-
 TEST(MutexType, NamesCountWithinASecond) {
-  Name before{NamedSemaphore()};
+  Name before(NamedSemaphore().name);
   for (bool sameSecond = true; sameSecond; usleep(1000)) {
-    const Name name{NamedSemaphore()};
+    const Name name(NamedSemaphore().name);
     sameSecond = name.second == before.second;
     EXPECT_EQ(name.process, getpid());
     EXPECT_EQ(name.counter, sameSecond ? before.counter + 1 : 1);
     before = name;
   }
-  const String taken = before.at(before.counter + 1);  // the second has just begun
+  const String start = joined('/', before.process, '_', before.second, '_');
+  const String taken = joined(start, before.counter + 1);  // the second has just begun
   ASSERT_TRUE(makeSemaphore(taken));
-  EXPECT_EQ(NamedSemaphore().name, before.at(before.counter + 2));
+  EXPECT_EQ(NamedSemaphore().name, joined(start, before.counter + 2));
   sem_unlink(taken.c_str());
 }
 
@@ -80,20 +61,10 @@ TEST(MutexType, CopiesTakeTheValueOnly) {
     cell = "other";
     EXPECT_EQ(copy.get() + assigned.get(), "texttext");
     EXPECT_EQ(assigned.lock.name, name);
-    EXPECT_NE(copy.lock.name, cell.lock.name);
     EXPECT_FALSE(makeSemaphore(name));
   }
   EXPECT_TRUE(makeSemaphore(name));
   sem_unlink(name.c_str());
-}
-
-TEST(MainMutexVars, StartingState) {
-  MainMutexVars cells;
-  String text;
-  for (const auto& cell : cells.elements()) {
-    text += joined(static_cast<int>(cell.left), "=", cell.right, " ");
-  }
-  EXPECT_EQ(text, "0= 1= 3= 5= 6= 7= 4=0 2=waiting ");
 }
 
 /// Cells that come and go in an order that touches both ends and the middle of their list.
@@ -107,89 +78,66 @@ struct SomeCells {
 };
 
 /// Ends while cells come and go, at a moment that varies from process to process.
-void endBySignal() {
+void endBySignal(NamedSemaphore& /*cell*/) {
   std::signal(SIGALRM, [](int) {
     releaseSemaphoreNames();
-    _exit(3);
+    _exit(0);
   });
   const itimerval soon{{}, {0, 500 + getpid() % 100 * 20}};
   setitimer(ITIMER_REAL, &soon, nullptr);
   for (;;) const SomeCells cells;
 }
 
-// The ends run in forked children of a process with a living cell, whose name they must not take.
-TEST(MutexTypeDeathTest, NoNameOutlivesTheProcess) {
-  struct Case {
-    void (*end)();
-    int status;
-    const char* text;
-  };
-  std::vector<Case> cases(20, {endBySignal, 3, ""});
-  cases.push_back({[] { std::exit(1); }, 1, ""});
-  cases.push_back({[] { fail("end"); }, 1, "\n\\*\\*\\* FAIL: end\n"});
-  const MutexType<long> own;
-  const long before = namesInUse();
-  for (const Case& c : cases) {
-    EXPECT_EXIT(
-        {
-          const SomeCells cells;
-          if (namesInUse() != before + 3) std::exit(9);
-          c.end();
-        },
-        ExitedWithCode(c.status), c.text);
-    EXPECT_EQ(namesInUse(), before);
+/// The name of a released cell may be another's by the time the cell goes.
+void endByRelease(NamedSemaphore& /*cell*/) {
+  String name;
+  {
+    const NamedSemaphore released;
+    name = released.name;
+    releaseSemaphoreNames();
+    if (!makeSemaphore(name)) std::exit(2);
+    releaseSemaphoreNames();
   }
+  std::exit(sem_unlink(name.c_str()) == 0 ? 0 : 3);
 }
 
-TEST(MutexTypeDeathTest, ReleasedCellOnlyCloses) {
-  EXPECT_EXIT(
-      {
-        String name;
-        {
-          const MutexType<long> cell;
-          name = cell.lock.name;
-          releaseSemaphoreNames();
-          if (!makeSemaphore(name)) std::exit(2);  // the name is free, and now it is another's
-          releaseSemaphoreNames();
-        }
-        std::exit(sem_unlink(name.c_str()) == 0 ? 0 : 3);
-      },
-      ExitedWithCode(0), "^$");
-}
-
-/// Makes a semaphore without a file for it. Sanitizers need files where they meet a type for the
-/// first time, hence the warning, and at the end of the process.
-void exhaustFiles() {
-  static rlimit limit;
-  getrlimit(RLIMIT_NOFILE, &limit);
-  std::atexit([] { setrlimit(RLIMIT_NOFILE, &limit); });
-  warn("out of files");
-  const rlimit none{0, limit.rlim_max};
-  setrlimit(RLIMIT_NOFILE, &none);
+void endWithoutRoom(NamedSemaphore& /*cell*/) {
+  const rlimit none{0, 0};
+  std::signal(SIGXFSZ, SIG_IGN);
+  setrlimit(RLIMIT_FSIZE, &none);
   const NamedSemaphore refused;
 }
 
-TEST(MutexTypeDeathTest, FailuresOfTheSystem) {
+// The ends run in forked children of a process with a living cell, whose name they must not take.
+TEST(MutexType, NoNameOutlivesTheProcess) {
   struct Case {
-    void (*spoil)();
+    void (*end)(NamedSemaphore& cell);
+    int status;
     const char* text;
   };
-  static NamedSemaphore* cell = nullptr;
-  const std::vector<Case> cases = {
-      {[] { sem_close(cell->semaphore); },
-       "^ERRNO = Invalid argument\n\\*\\*\\* FAIL: SEM could not be closed\n$"},
-      {[] { sem_unlink(cell->name.c_str()); },
-       "^ERRNO = No such file or directory\n\\*\\*\\* FAIL: SEM could not be unlinked\n$"},
-      {exhaustFiles, "ERRNO = Too many open files\n\\*\\*\\* FAIL: SEM could not be opened\n$"},
-  };
+  std::vector<Case> cases = {
+      {[](auto&) { std::exit(0); }, 0, ""},
+      {[](auto&) { fail("end"); }, 1, "\n*** FAIL: end\n"},
+      {[](auto& cell) { sem_close(cell.semaphore); }, 1,
+       "ERRNO = Invalid argument\n*** FAIL: SEM could not be closed\n"},
+      {[](auto& cell) { sem_unlink(cell.name.c_str()); }, 1,
+       "ERRNO = No such file or directory\n*** FAIL: SEM could not be unlinked\n"},
+      {endWithoutRoom, 1, "ERRNO = File too large\n*** FAIL: SEM could not be opened\n"},
+      {endByRelease, 0, ""}};
+  cases.resize(25, {endBySignal, 0, ""});
+  const NamedSemaphore own;
+  const auto process = static_cast<pid_t>(Name(own.name).process);  // in the children's names too
   for (const Case& c : cases) {
-    EXPECT_EXIT(
-        {
-          NamedSemaphore semaphore;
-          cell = &semaphore;
-          c.spoil();
-        },
-        ExitedWithCode(1), c.text);
+    support::Child child([&] {
+      const SomeCells cells;
+      NamedSemaphore cell;
+      if (support::semaphoreNames(process).size() != 5) return 9;
+      return c.end(cell), 0;
+    });
+    const auto end = child.finish(std::chrono::minutes(1));
+    EXPECT_EQ(end.status, c.status) << c.text;
+    EXPECT_EQ(end.err, c.text);
+    EXPECT_EQ(support::semaphoreNames(process).size(), 1U) << c.text;
   }
 }
 

@@ -7,8 +7,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
@@ -16,9 +14,9 @@
 #include <iostream>
 #include <iterator>
 #include <system_error>
+#include <utility>
 
 namespace vexil::support {
-
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -27,26 +25,12 @@ using Clock = std::chrono::steady_clock;
   throw std::system_error(errno, std::generic_category(), what);
 }
 
-/// A pipe as its reading and its writing end.
-std::array<int, 2> openPipe() {
-  std::array<int, 2> ends{};
-  if (pipe2(ends.data(), O_CLOEXEC) != 0) giveUp("pipe2");
-  return ends;
-}
-
 /// Appends what there is to read; false at the end of the pipe.
 bool drain(int pipe, std::string& text) {
   std::array<char, 65536> buffer{};
   const ssize_t count = read(pipe, buffer.data(), buffer.size());
   if (count > 0) text.append(buffer.data(), static_cast<std::size_t>(count));
   return count > 0 || (count < 0 && errno == EINTR);
-}
-
-/// Removes what a process that was killed could not remove itself.
-void unlinkSemaphores(pid_t process) {
-  for (const std::string& name : semaphoreNames(process)) {
-    std::filesystem::remove("/dev/shm/" + name);
-  }
 }
 
 }  // namespace
@@ -81,56 +65,52 @@ std::vector<std::string> semaphoreNames(pid_t process) {
     std::string name = entry.path().filename();
     if (name.starts_with(prefix)) names.push_back(std::move(name));
   }
-  std::sort(names.begin(), names.end());
   return names;
 }
 
 Child::Child(const std::function<int()>& body) {
-  const auto out = openPipe();
-  const auto err = openPipe();
+  std::array<int, 2> written{};
+  for (const std::size_t i : {0U, 1U}) {
+    std::array<int, 2> ends{};
+    if (pipe2(ends.data(), O_CLOEXEC) != 0) giveUp("pipe2");
+    streams_[i] = ends[0];
+    written[i] = ends[1];
+  }
   std::cout.flush();
   pid_ = fork();
   if (pid_ < 0) giveUp("fork");
   if (pid_ == 0) {
-    dup2(out[1], STDOUT_FILENO);
-    dup2(err[1], STDERR_FILENO);
+    dup2(written[0], STDOUT_FILENO);
+    dup2(written[1], STDERR_FILENO);
     const rlimit noCore{0, 0};
     setrlimit(RLIMIT_CORE, &noCore);
     std::exit(body());
   }
-  close(out[1]);
-  close(err[1]);
-  out_ = out[0];
-  err_ = err[0];
-}
-
-Child::~Child() {
-  if (!finished_) finish(std::chrono::milliseconds(0));
-  close(out_);
-  close(err_);
+  for (const int end : written) close(end);
 }
 
 ChildEnd Child::finish(std::chrono::milliseconds limit) {
   ChildEnd end;
-  end.pid = pid_;
+  end.pid = std::exchange(pid_, 0);
   const auto deadline = Clock::now() + limit;
-  std::array<pollfd, 2> pipes = {pollfd{out_, POLLIN, 0}, pollfd{err_, POLLIN, 0}};
-  while (pipes[0].fd >= 0 || pipes[1].fd >= 0) {
-    const auto left =
-        std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
+  std::array<pollfd, 2> polled = {pollfd{streams_[0], POLLIN, 0}, pollfd{streams_[1], POLLIN, 0}};
+  while (polled[0].fd >= 0 || polled[1].fd >= 0) {
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
     if (left <= 0) {
       end.timedOut = true;
-      kill(pid_, SIGKILL);
+      kill(end.pid, SIGKILL);
       break;
     }
-    if (poll(pipes.data(), pipes.size(), static_cast<int>(left)) <= 0) continue;
-    if (pipes[0].revents != 0 && !drain(out_, end.out)) pipes[0].fd = -1;
-    if (pipes[1].revents != 0 && !drain(err_, end.err)) pipes[1].fd = -1;
+    if (poll(polled.data(), polled.size(), static_cast<int>(left)) <= 0) continue;
+    if (polled[0].revents != 0 && !drain(polled[0].fd, end.out)) polled[0].fd = -1;
+    if (polled[1].revents != 0 && !drain(polled[1].fd, end.err)) polled[1].fd = -1;
   }
+  for (const int stream : streams_) close(stream);
   int status = 0;
-  while (waitpid(pid_, &status, 0) < 0 && errno == EINTR) continue;
-  finished_ = true;
-  if (end.timedOut) unlinkSemaphores(pid_);
+  while (waitpid(end.pid, &status, 0) < 0 && errno == EINTR) continue;
+  if (end.timedOut) {  // the process could not remove them itself
+    for (const auto& name : semaphoreNames(end.pid)) std::filesystem::remove("/dev/shm/" + name);
+  }
   if (WIFEXITED(status)) end.status = WEXITSTATUS(status);
   if (WIFSIGNALED(status)) end.signal = WTERMSIG(status);
   return end;
@@ -146,12 +126,7 @@ int ToolRun::operator()() const {
     prepare();
     fexecve(tool, const_cast<char* const*>(words.data()), environ);
   }
-  std::cerr << "the tool " << VEXIL_TOOL << " does not start\n";
-  return 127;
-}
-
-ChildEnd run(const ToolRun& tool, std::chrono::milliseconds limit) {
-  return Child(tool).finish(limit);
+  return 127;  // the tool does not start
 }
 
 }  // namespace vexil::support

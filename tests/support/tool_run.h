@@ -5,6 +5,7 @@
 
 #include <sys/types.h>
 
+#include <array>
 #include <chrono>
 #include <filesystem>
 #include <functional>
@@ -19,14 +20,11 @@ namespace vexil::support {
 class TemporaryFolder {
  public:
   TemporaryFolder();
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+  TemporaryFolder(TemporaryFolder&&) = delete;  // and no copies either
   ~TemporaryFolder();
 
   [[nodiscard]] const std::filesystem::path& path() const { return path_; }
-  [[nodiscard]] std::filesystem::path operator/(std::string_view name) const {
-    return path_ / name;
-  }
+  [[nodiscard]] auto operator/(std::string_view name) const { return path_ / name; }
 
  private:
   std::filesystem::path path_;
@@ -38,7 +36,7 @@ void writeFile(const std::filesystem::path& file, std::string_view text);
 /// The text of a regular file; nothing where there is none.
 [[nodiscard]] std::optional<std::string> readFile(const std::filesystem::path& file);
 
-/// The semaphores of a process whose names are in the system, sorted. The process may be gone.
+/// The semaphores of a process whose names are in the system. The process may be gone.
 [[nodiscard]] std::vector<std::string> semaphoreNames(pid_t process);
 
 /// How a child process ended and what it wrote.
@@ -56,9 +54,10 @@ class Child {
  public:
   /// Starts a copy of this process that runs `body` and ends with its result.
   explicit Child(const std::function<int()>& body);
-  Child(const Child&) = delete;
-  Child& operator=(const Child&) = delete;
-  ~Child();
+  Child(Child&&) = delete;  // and no copies either
+  ~Child() {
+    if (pid_ != 0) finish(std::chrono::milliseconds(0));
+  }
 
   [[nodiscard]] pid_t pid() const { return pid_; }
 
@@ -66,10 +65,8 @@ class Child {
   ChildEnd finish(std::chrono::milliseconds limit);
 
  private:
-  pid_t pid_ = 0;
-  int out_ = -1;
-  int err_ = -1;
-  bool finished_ = false;
+  pid_t pid_ = 0;                 ///< 0 when nothing is left to wait for
+  std::array<int, 2> streams_{};  ///< where its output and its errors are read
 };
 
 /// A run of the tool.
@@ -79,12 +76,12 @@ struct ToolRun {
   std::string firstWord = "vexil";          ///< the program's name
   std::function<void()> prepare = [] {};    ///< runs in the child, ahead of the tool
 
-  /// To be the body of a `Child`.
-  [[nodiscard]] int operator()() const;
+  [[nodiscard]] int operator()() const;  ///< to be the body of a `Child`
 };
 
 /// Runs the tool to its end. The limit leaves room for a sanitizer build on a busy machine.
-[[nodiscard]] ChildEnd run(const ToolRun& tool,
-                           std::chrono::milliseconds limit = std::chrono::minutes(2));
+[[nodiscard]] inline ChildEnd run(const ToolRun& tool) {
+  return Child(tool).finish(std::chrono::minutes(2));
+}
 
 }  // namespace vexil::support
