@@ -5,7 +5,6 @@
 
 #include <sstream>
 
-#include "foundation/map.h"
 #include "foundation/serializable_array.h"
 
 namespace vexil {
@@ -60,7 +59,6 @@ TEST(Array, CopiesKeepTheTargetsConversionSettings) {
   SerializableArray<long> target;
   target.tolerateFraction = true;
   target = source;
-  target = static_cast<const SerializableArray<long>&>(target);
   EXPECT_EQ(target[1], 4);
   EXPECT_EQ(target.delimiters, "; ");
   EXPECT_TRUE(target.skipComments && target.secondFlag && target.tolerateFraction);
@@ -108,20 +106,6 @@ TEST(SerializableArray, ReadsNumbersAndStopsAtTheEndOfTheText) {
   EXPECT_EQ(a.MN, 3);
   EXPECT_TRUE(cut.fail());
   EXPECT_EXIT(std::istringstream("x") >> a, ExitedWithCode(1), "SerializableArray: no start found");
-  std::istringstream pairText("(3; 4)");
-  SerializablePair<long, long> pair;
-  pairText >> pair;
-  EXPECT_EQ(pair.left + 10 * pair.right, 43);
-}
-
-TEST(Map, KeepsTheOrderOfInsertion) {
-  Hash<int> table;
-  table["b"] = 1;
-  table["a"] = 2;
-  table["b"] += 10;
-  EXPECT_EQ(table.MN, 2);
-  EXPECT_EQ(table.data[1].left, "b");
-  EXPECT_EQ(table["b"], 11);
 }
 
 }  // namespace

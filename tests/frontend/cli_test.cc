@@ -128,7 +128,7 @@ void addCommandLines(std::vector<Case>& rows) {
                     "[ 1 1 ] | 2 | [ 2 ] | 0 | -1 | \n", report({minimized("1 1", "2")}));
     row.optName = base + ".opt";
     row.solName = base + ".sol";
-    row.arguments = {"first.sol", base == ".sol" ? base : row.solName};
+    row.arguments = {"a.txt", base == ".sol" ? base : row.solName};
     rows.push_back(row);
   }
 }
@@ -164,6 +164,8 @@ void addFaultyPrograms(std::vector<Case>& rows) {
   add("InfiniteAg",
       Program{.Ag = "[ [ 1 inf ] [ 1 1 ] ]", .bg = "[ 1 inf ]", .Au = "[ [ inf 1 ] ]"},
       "+-inf not allowed in Ag");
+  add("InfiniteAu", Program{.Au = "[ [ 1 1 ] [ 1 inf ] ]", .lu = "[ 1 ]"},
+      "+-inf not allowed in Au");
   add("LuDimension", Program{.Au = row1, .lu = "[ 1 2 ]", .ru = "[ 0 ]"},
       "The row count of Au ( 1) differs with the dimension of lu / ru ( 2)");
   add("RuDimension", Program{.Au = row1, .lu = "[ 5 ]", .ru = "[ 1 2 ]"},
@@ -184,6 +186,7 @@ void addFaultyPrograms(std::vector<Case>& rows) {
   add("VectorForMatrix", Program{.At = "[ 1 1 ]"}, "Matrix: bad input");
   add("RowTooLong", Program{.Au = "[ [ ] [ 1 ] [ 1 1 ] ]"}, "Matrix row dimension mismatch");
   add("EmptyFile", "", "Matrix: bad stream");
+  add("EndsBehindDt", "[ -inf ]\n", "Matrix: bad stream");
   add("EndsBehindKt", "[ -inf ] = [ 1 ]", "Matrix: bad stream");
   add("EndsBehindLx", Program{.rx = ""}, recheck);
   add("EndsInVector", "[ -inf", "QQ: parse error1");
@@ -340,7 +343,6 @@ void addSolFiles(std::vector<Case>& rows) {
   add("BarsLeftOut", "[ 2 1 ] | 0 [ ] 0 7 --a=1 | 2.2.3\n", star + "7" + texts, {found});
   add("ManyLines", "[ 2\r\n1 ]\r\n|\t0 |\n[ ]\n| 0\n|\n7\n|\n\n\t--a=1\t|\t2.2.3\t\r\n",
       star + "7" + texts, {found});
-  add("ValuesLeftOut", "[ 2 1 ] | 5 | 6 | 7" + texts, star + "7" + texts, {found});
   add("StartsWithBar", "| 0 | [ ] | 0 | 7" + texts + "[ 2 1 ]", star + "7 | \n", {found});
   add("BareTakesTime", "[ 1 1 ] | 0 | [ ] | 0 | 7" + texts + "[ 2 1 ]\n",
       "[ 1 1 ] | 2 | [ 2 ] | 0 | 7" + texts + star + "7 | \n",
@@ -359,7 +361,6 @@ void addSolFiles(std::vector<Case>& rows) {
   add("UnreadableTime",
       "[ 2 1 ] | 0 | [ ] | 0 | soon" + texts + "[ 1 1 ] | 0 | [ ] | 0 | 7" + texts, star + "0 | \n",
       {minimized("2 1", "3", "0 sec(s)")});
-  add("FractionalTime", "[ 2 1 ] | 0 | [ ] | 0 | 7.5" + texts, star + "7 | .5\n", {found});
   // Of two failing neighbours the second is not looked at.
   rows.push_back(refused("SecondFailingStarWithoutValues", Program(), "[ 10 0 ][ 11 0 ]",
                          "Array: index out of range"));
@@ -367,11 +368,7 @@ void addSolFiles(std::vector<Case>& rows) {
   const std::string shortStar = "[ 2 ] | 3 | [ 3 ] | 0 | 7 | --a=1\n";
   add("SecondFailingStarIsShort", "[ 10 0 ] | 0 | [ ] | 0 | -1 | --a=1\n" + shortStar, shortStar,
       {minimized("2", "3", "7 sec(s)")});
-  fail("SecondFailingStarMeetsAnother",
-       "[ 10 0 ] | 0 | [ ] | 0 | -1 | --a=1\n" + shortStar + star + "7" + texts,
-       "Vector: dimension mismatch9");
   fail("WrongLength", shortStar, "Vector: dimension mismatch10");
-  fail("WrongLengthOfFullLine", shortStar + "[ 1 x ]", "QQ: parse error1");
   fail("WrongLengthOfBareLine", "[ 1 2 3 ]\n[ 1 x ]", "Vector: dimension mismatch10");
   fail("NoBracket", "2 1\n", "Vector: dimension mismatch10");
   fail("CutInVector", "[ 2 1", "QQ: parse error1");
@@ -410,13 +407,6 @@ void addOrder(std::vector<Case>& rows) {
     blocks.push_back(block(x, "", targetNorm, slackNorm, shown));
   }
   add("ByNormsAndTime", before, after, blocks);
-  // The options of the one that came behind by version may yet put it first: then both precede each
-  // other, and the stars stay as they stand.
-  const std::string old = "[ 1 1 ] | 0 | [ ] | 0 | -1 | --a=1 | 2.9\n",
-                    young = "[ 1 2 ] | 0 | [ ] | 0 | -1 | --b=1 | 2.10\n";
-  const std::string oldBlock = block("1 1", "", "0", "0"), youngBlock = block("1 2", "", "0", "0");
-  add("OldFirst", old + young, old + young, {oldBlock, youngBlock});
-  add("YoungFirst", young + old, young + old, {youngBlock, oldBlock});
   // The file keeps a star once for each of its options, the report once.
   const std::string star = "[ 1 1 ] | 0 | [ ] | 0 | ";
   const std::string fiveB = star + "5 | --b=1 | 2\n", sevenA = star + "7 | --a=1 | 3\n",

@@ -54,27 +54,22 @@ INSTANTIATE_TEST_SUITE_P(Pages, Documents, testing::Values("README.md", "docs/fi
 
 TEST(Examples, KeepTheStarsThatTheyClaim) {
   const std::filesystem::path examples = std::filesystem::path(VEXIL_SOURCE_DIR) / "examples";
-  const std::map<std::string, std::vector<std::string>> firstFields = {
-      {"goal", {"[ 5 2 2 ] | -381", "[ 4 2 2 ] | -356", "[ 4 1 3 ] | -326"}},
-      {"knapsack",
-       {"[ 1 1 1 1 0 1 0 0 0 0 ] | -309", "[ 1 1 1 0 0 0 0 0 0 1 ] | -270",
-        "[ 1 0 0 0 1 0 0 0 1 0 ] | -239"}},
-      {"ledger", {"[ 1 0 1 1 0 0 1 0 1 0 ] | 5"}},
-      {"shifts", {"[ 1 0 0 0 1 0 0 0 1 ] | 0", "[ 0 1 0 0 0 1 1 0 0 ] | 0"}},
-  };
-  for (const auto& [name, expected] : firstFields) {
+  const std::map<std::string, std::string> norms = {{"goal", "-381 -356 -326 "},
+                                                    {"knapsack", "-309 -270 -239 "},
+                                                    {"ledger", "5 "},
+                                                    {"shifts", "0 0 "}};
+  for (const auto& [name, expected] : norms) {
     const TemporaryFolder folder;
-    for (const char* const ending : {".opt", ".sol"}) {
-      std::filesystem::copy(examples / (name + ending), folder.path());
-    }
+    std::filesystem::copy(examples, folder.path());
     const ChildEnd end = run({.folder = folder.path(), .arguments = {name + ".sol"}});
     EXPECT_EQ(end.status, 0) << name << end.err;
     std::istringstream after(readFile(folder / (name + ".sol")).value_or(""));
-    std::vector<std::string> kept;
+    std::string found;
     for (std::string line; std::getline(after, line);) {
-      kept.push_back(line.substr(0, line.find(" |", line.find('|') + 1)));
+      const auto norm = line.find(" | ") + 3;
+      found += line.substr(norm, line.find(' ', norm) - norm) + " ";
     }
-    EXPECT_EQ(kept, expected) << name;
+    EXPECT_EQ(found, expected) << name;
   }
 }
 

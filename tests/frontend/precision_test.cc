@@ -77,18 +77,5 @@ TEST_F(Precision, TracesTheSwitches) {
             "|-> Using standard precision\n");
 }
 
-TEST_F(Precision, ChecksEveryOtherStarOfNeighboursThatFail) {
-  auto& program = front.standard.program;
-  program.lx.resize(1, false);
-  program.rx.resize(1, false);
-  program.lx[1] = 3;
-  program.rx[1] = 9;
-  EXPECT_FALSE(front.checkStars());
-  ASSERT_EQ(program.solStars.MN, 2);
-  EXPECT_EQ(program.solStars[1][1] + 10 * program.solStars[2][1], 32);
-  program.solStars.clear();
-  EXPECT_TRUE(front.checkStars());
-}
-
 }  // namespace
 }  // namespace vexil
