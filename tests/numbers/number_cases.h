@@ -7,57 +7,74 @@
 #include <sstream>
 #include <string>
 
+#include "foundation/exceptions.h"
 #include "numbers/qq.h"
 
 namespace vexil {
 
-/// Calls `check(left, right)` for each word "left=right" of `table`.
-template <typename Check>
-void forEachCase(const std::string& table, Check check) {
+/// Expects `function(left)` to be `right` for each word "left=right" of `table`.
+template <typename Function>
+void expectResults(const std::string& table, Function function) {
   std::istringstream words(table);
   for (std::string word; words >> word;) {
     const auto middle = word.find('=');
-    check(word.substr(0, middle), word.substr(middle + 1));
+    EXPECT_EQ(function(word.substr(0, middle)), word.substr(middle + 1)) << word;
   }
 }
 
-/// Numbers for the property tests; a failing test names the seed.
-class RandomNumbers {
- public:
-  explicit RandomNumbers(unsigned seed)
-      : random_(seed), trace_(__FILE__, __LINE__, "seed " + std::to_string(seed)) {}
-
-  /// 0 <= value < limit
-  int below(int limit) { return std::uniform_int_distribution<int>(0, limit - 1)(random_); }
-
-  /// 1 to `most` digits, the first one not 0. Runs of 0 and of 9 are frequent: they are where
-  /// carries and estimates of quotients go wrong.
-  std::string digits(int most) {
-    const int mode = below(3);
-    std::string text;
-    for (int i = below(most); i >= 0; --i) {
-      const int digit = below(mode == 0 ? 10 : 40);
-      text += static_cast<char>(digit < 10 ? '0' + digit : (mode == 1 ? '0' : '9'));
-    }
-    if (text.front() == '0') text.front() = '1';
-    return text;
+/// The message of the exception that `operation` throws, nothing if it throws none.
+template <typename Operation>
+std::string thrown(Operation operation) {
+  try {
+    operation();
+  } catch (const PrecisionException& exception) {
+    return exception.what();
   }
+  return "";
+}
 
-  ZZ integer(int mostDigits) {
-    ZZ result;
-    fromString(result, (below(2) == 0 ? "-" : "") + digits(mostDigits));
-    return result;
+/// The result of the operation, which is the same in whatever operand it goes.
+template <typename T>
+T result(void (*operation)(const T&, const T&, T&), const T& a, const T& b) {
+  T separate, left = a, right = b, square, both = b;
+  operation(a, b, separate);
+  operation(left, b, left);
+  operation(a, right, right);
+  operation(b, T(b), square);
+  operation(both, both, both);
+  EXPECT_TRUE(left == separate && right == separate && both == square);
+  return separate;
+}
+
+/// Source of the numbers of the property tests.
+inline std::mt19937 randomBits;
+
+/// 0 <= value < limit
+inline int below(int limit) { return std::uniform_int_distribution<int>(0, limit - 1)(randomBits); }
+
+/// 1 to `most` digits, the first one not 0. Runs of 0 and of 9 are frequent: they are where carries
+/// and estimates of quotients go wrong.
+inline std::string randomDigits(int most) {
+  const int mode = below(3);
+  std::string text;
+  for (int i = below(most); i >= 0; --i) {
+    const int digit = below(mode == 0 ? 10 : 40);
+    text += static_cast<char>(digit < 10 ? '0' + digit : (mode == 1 ? '0' : '9'));
   }
+  if (text.front() == '0') text.front() = '1';
+  return text;
+}
 
-  /// Whole numbers, fractions and zero.
-  QQ rational(int mostDigits) {
-    if (below(20) == 0) return 0;
-    return {integer(mostDigits), below(3) == 0 ? ZZ(1) : integer(mostDigits)};
-  }
+inline ZZ randomInteger(int mostDigits) {
+  ZZ number;
+  fromString(number, (below(2) == 0 ? "-" : "") + randomDigits(mostDigits));
+  return number;
+}
 
- private:
-  std::mt19937 random_;
-  testing::ScopedTrace trace_;
-};
+/// Whole numbers, fractions and zero.
+inline QQ randomRational(int mostDigits) {
+  if (below(20) == 0) return 0;
+  return {randomInteger(mostDigits), below(3) == 0 ? ZZ(1) : randomInteger(mostDigits)};
+}
 
 }  // namespace vexil
