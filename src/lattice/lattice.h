@@ -27,13 +27,13 @@ inline constexpr std::int64_t T_MAT_NBR = 20;
 template <typename T, typename U>
 class Lattice : public Vexil<T> {
  public:
-  T signReference{1};    ///< what the last coordinate of the inhomogeneous vector carries
-  T signReferenceLat{};  ///< `signReference` times the weight of the last coordinate
-  std::int64_t stepCounter = 0;
-  std::int64_t latRows = 0;  ///< rows of `B`
-  std::int64_t latDim = 0;   ///< coordinates of a lattice vector, columns of `B`
-  String latFile;            ///< path of the lat file
-  ExtendedParams<T> params;  ///< the options
+  T signReference{1};            ///< what the last coordinate of the inhomogeneous vector carries
+  T signReferenceLat{};          ///< `signReference` times the weight of the last coordinate
+  std::int64_t stepCounter = 0;  ///< running count of the reduction
+  std::int64_t latRows = 0;      ///< rows of `B`
+  std::int64_t latDim = 0;       ///< coordinates of a lattice vector, columns of `B`
+  String latFile;                ///< path of the lat file
+  ExtendedParams<T> params;      ///< the options
 
   HeuristicVector<T, U> bestHeuristic;  ///< best candidate that failed a bound
   TargetVector<T> bestTarget;           ///< best feasible candidate by target norm
@@ -59,32 +59,34 @@ class Lattice : public Vexil<T> {
   T maxNorm{};             ///< 3 times the larger of l.l and r.r
   bool symmetric = false;  ///< `l` is the negative of `r`
 
-  std::int64_t interval_tt = 0;    ///< swap budget of a reduction pass
-  std::int64_t intervalLimit = 0;  ///< starts at the option `pairLimit`
-  std::int8_t checkMode = 0;       ///< 0: check vectors not set; 1: equations; 2: full lattice
-  ConsistencyState<T, U> consistency;
-  SavedDecomposition<U> firstBlock;
-  SavedDecomposition<U> secondBlock;
-  Array<short> rowState;  ///< flags of each basis row
-  bool consistencyForced = false;
-  bool keepDependent = false;
+  std::int64_t interval_tt = 0;        ///< swap budget of a reduction pass
+  std::int64_t intervalLimit = 0;      ///< starts at the option `pairLimit`
+  std::int8_t checkMode = 0;           ///< 0: check vectors not set; 1: equations; 2: full lattice
+  ConsistencyState<T, U> consistency;  ///< of the comparison of `B` with `TT` and `B_save`
+  SavedDecomposition<U> firstBlock;    ///< of `B_save`
+  SavedDecomposition<U> secondBlock;   ///< of `B`
+  Array<short> rowState;               ///< flags of each basis row: what is still valid of its data
+  bool consistencyForced = false;      ///< the option was switched on for one recovery
+  bool keepDependent = false;          ///< a reset of the flags spares the marks of dependent rows
 
-  Array<Matrix<U>> fullStages;
-  Vector<U> reducedNorms;
-  Matrix<U> Lfull;
-  Array<Matrix<U>> reducedStages;
-  Matrix<U> Lreduced;
-  Vector<T> rowWork;  ///< one entry per row
-  U blendValue{};
-  Array<Stage<T, U>> stages;  ///< `latRows` + 1
+  Array<Matrix<U>> fullStages;     ///< products of the reflections of the full decomposition
+  Vector<U> reducedNorms;          ///< squared lengths of the orthogonal rows
+  Matrix<U> Lfull;                 ///< lower triangular factor of the full decomposition
+  Array<Matrix<U>> reducedStages;  ///< rows after each step of the reduced decomposition
+  Matrix<U> Lreduced;              ///< lower triangular factor of the reduced decomposition
+  Vector<T> rowWork;               ///< one entry per row
+  U blendValue{};                  ///< 0 with a new basis
+  Array<Stage<T, U>> stages;       ///< `latRows` + 1
 
+  /// Collected vectors that do not carry the right-hand side, and such that do; both hold at most
+  /// as many as the option `collectLimit` says.
   SortedSet<HeuristicVector<T, U>> homogeneousVectors;
   SortedSet<HeuristicVector<T, U>> inhomogeneousVectors;
 
-  Vector<T> weights;      ///< weight of each coordinate
-  Vector<T> translation;  ///< shift of each coordinate, for rows that carry the right-hand side
-  Vector<T> weightAux;
-  Array<long> weightCount;
+  Vector<T> weights;        ///< weight of each coordinate
+  Vector<T> translation;    ///< shift of each coordinate, for rows that carry the right-hand side
+  Vector<T> weightAux;      ///< one entry per coordinate, 0 after a reset
+  Array<long> weightCount;  ///< one entry per coordinate, 0 after a reset
 
   // --- construction.tcc: the life of the object ---
 
@@ -137,6 +139,7 @@ class Lattice : public Vexil<T> {
   /// A row taken out of the weighted form. "Vector: dimension mismatch2", "Vector: dimension
   /// mismatch4".
   [[nodiscard]] Vector<T> unweightedRow(const Vector<T>& row) const;
+  /// The same for all rows of a matrix.
   [[nodiscard]] Matrix<T> weightedMatrix(const Matrix<T>& M) const;
   [[nodiscard]] Matrix<T> unweightedMatrix(const Matrix<T>& M) const;
 

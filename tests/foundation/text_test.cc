@@ -6,7 +6,6 @@
 
 #include "foundation/array.h"
 #include "foundation/exceptions.h"
-#include "foundation/random.h"
 #include "foundation/text_streams.h"
 #include "foundation/trace.h"
 #include "foundation/write_guard.h"
@@ -122,11 +121,6 @@ TEST(WriteGuard, PutsTheEarlierHandlersBack) {
   std::raise(SIGINT);
   EXPECT_EQ(interrupts, 1);
   std::signal(SIGINT, earlier);
-}
-
-TEST(Random, ReturnsTheSeed) {
-  EXPECT_EQ(seedRandom(42), 42U);
-  EXPECT_NE(seedRandom(0), seedRandom(0));
 }
 
 }  // namespace
