@@ -12,7 +12,7 @@ using limbs::Limb;
 using limbs::Word;
 
 /// __extension__ admits the type that ISO C++ does not have.
-__extension__ typedef unsigned __int128 DoubleWord;
+__extension__ using DoubleWord = unsigned __int128;
 
 /// Greatest number of limbs whose value every word holds.
 inline constexpr Index WORD_LIMBS = 2;
