@@ -15,6 +15,10 @@ static_assert(std::numeric_limits<dbl_t>::digits == 64,
 inline constexpr std::uint8_t DIGITS = 18;
 
 inline constexpr dbl_t ONE_F = 1.0L;
+inline constexpr dbl_t TWO_F = 2.0L;
+inline constexpr dbl_t THREE_F = 3.0L;
+inline constexpr dbl_t TEN_F = 10.0L;
+inline constexpr dbl_t THOUSAND_F = 1000.0L;
 inline constexpr dbl_t INF_F = std::numeric_limits<dbl_t>::infinity();
 
 /// The infinity of `long`.

@@ -26,7 +26,7 @@ void onTerminate() {
 }  // namespace
 
 void releaseNamesOnAbruptEnd() {
-  for (const int signal : {SIGINT, SIGTERM}) {
+  for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGPIPE, SIGTERM}) {
     const auto earlier = std::signal(signal, onSignal);
     if (earlier != SIG_DFL) std::signal(signal, earlier);
   }

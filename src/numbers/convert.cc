@@ -60,7 +60,7 @@ Decimals decimalsOf(const QQ& q) {
   if (q.zaehler.MN <= WORD_LIMBS && q.nenner.MN <= WORD_LIMBS) {
     return decimalsOf(toWord(q.zaehler), toWord(q.nenner));
   }
-  // Behind as many zeros as lie between the two sizes the quotient has its digits, or one too many.
+  // Behind as many zeros as lie between the two sizes the quotient has its digits, or one too few.
   Decimals decimals;
   decimals.places = digitCount(q.nenner) - digitCount(q.zaehler) + FRACTION_DIGITS - 1;
   ZZ quotient;

@@ -129,7 +129,9 @@ inline QQ& operator/=(QQ& a, const QQ& b) {
 [[nodiscard]] QQ operator-(QQ x);
 [[nodiscard]] QQ abs(QQ x);
 
-/// x^y, exact for a whole y, else by `root`.
+/// x^y, exact for a whole y, else by `root`, whose failures it shares. An infinite y gives 0, 1 or
+/// the infinity with the sign of x, by the magnitude of x; an infinite x counts as 1 or -1. Throws
+/// `PrecisionException` "QQ: division by zero3" for a negative y where x^-y is 0.
 [[nodiscard]] QQ pow(const QQ& x, const QQ& y);
 
 /// The k-th root by Newton's iteration, accurate to about 10^-9: the one inexact operation. Fatal:
@@ -162,7 +164,7 @@ std::istream& operator>>(std::istream& in, QQ& x);
 /// characters are dropped. Fatal: "QQ: parse error1" for an empty number, which the rest of "1.0"
 /// behind its zeros is; "QQ: parse error2" and "QQ: parse error3" for a misspelt "inf"; "QQ:
 /// malformed number1" and "QQ: malformed number2" for what is no proper fraction behind ":"; "QQ:
-/// division by zero1"; a second sign where `normalize` reports it.
+/// division by zero1"; a second sign where `normalize` reports it (a whole number takes it).
 void parse(std::string_view text, QQ& x);
 
 /// The value of the text of `value` with 17 significant digits: 0.1 becomes 1/10. Up to 10^-9

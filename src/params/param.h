@@ -94,7 +94,8 @@ class Param : public ParamInfo {
   [[nodiscard]] bool isBool() const override { return std::is_same_v<T, bool>; }
 
   /// A text that is no number leaves what the stream extraction leaves; an empty text changes
-  /// nothing. The text of an exact rational goes through its own parser.
+  /// nothing. The text of an exact rational goes through its own parser, which refuses an empty
+  /// one.
   void parse() override {
     const String text = value.get();
     if constexpr (std::is_arithmetic_v<Value>) {
