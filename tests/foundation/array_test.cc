@@ -51,21 +51,6 @@ TEST(Array, RefusesBadIndices) {
   EXPECT_EXIT(a.swap(1, 3), ExitedWithCode(1), "Array: swap index out of range");
 }
 
-TEST(Array, CopiesKeepTheTargetsConversionSettings) {
-  SerializableArray<long> source("; ", true, true);
-  source.throwOnLoss = true;
-  source.resize(1, false);
-  source[1] = 4;
-  SerializableArray<long> target;
-  target.tolerateFraction = true;
-  target = source;
-  EXPECT_EQ(target[1], 4);
-  EXPECT_EQ(target.delimiters, "; ");
-  EXPECT_TRUE(target.skipComments && target.secondFlag && target.tolerateFraction);
-  EXPECT_FALSE(target.throwOnLoss);
-  EXPECT_FALSE(SerializableArray<long>(source).throwOnLoss);
-}
-
 struct ArrayText {
   const char* delimiters;
   std::vector<std::string> elements;

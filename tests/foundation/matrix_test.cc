@@ -22,19 +22,6 @@ class Containers : public testing::Test {
 using NumberTypes = testing::Types<dbl_t, QQ>;
 TYPED_TEST_SUITE(Containers, NumberTypes);
 
-TYPED_TEST(Containers, ReadAndWriteVectors) {
-  const std::vector<std::pair<std::string, std::string>> cases = {
-      {"[ ]", "[ ]"},
-      {"garbage", "[ ]"},
-      {"[1 -2\n3]", "[ 1 -2 3 ]"},
-      {"[ inf -inf 2 ]", "[ inf -inf 2 ]"},
-      {" /* a comment */ [ 1 // rest of line\n2 ]", "[ 1 2 ]"},
-      {"[ - 5 ]", "[ -5 ]"},
-      {"[ --5 +3 ]", "[ 5 3 ]"},
-  };
-  for (const auto& [text, written] : cases) EXPECT_EQ(joined(this->vector(text)), written) << text;
-}
-
 TYPED_TEST(Containers, RefuseMalformedVectors) {
   EXPECT_EXIT(this->vector("[ ix ]"), ExitedWithCode(1), "Vector: bad input2");
   EXPECT_EXIT(this->vector("[ inx ]"), ExitedWithCode(1), "Vector: bad input3");
@@ -48,20 +35,6 @@ TYPED_TEST(Containers, RefuseMalformedVectors) {
   EXPECT_THROW(v.read(failed), ReadException);
   Matrix<TypeParam> m;
   EXPECT_EXIT(m.read(failed), ExitedWithCode(1), "Matrix: bad stream");
-}
-
-TYPED_TEST(Containers, ReadMatrices) {
-  Matrix<TypeParam> m = this->matrix("[ [1 2] [3 4] ]");
-  EXPECT_EQ(joined(m), "[\n[ 1 2 ]\n[ 3 4 ]\n]");
-  EXPECT_EQ(joined(this->matrix("[ [1 2 3] [4 5] [6] ]")), "[\n[ 1 2 3 ]\n[ 4 5 0 ]\n[ 6 ]\n]");
-  m = this->matrix("[ ]");
-  EXPECT_EQ(m.rowCount + m.columnCount, 0);
-  EXPECT_FALSE(m.notEmpty());
-  EXPECT_EQ(this->matrix("[ [] [] ]").rowCount, 0);
-  EXPECT_EXIT(this->matrix("[ [1 2] [3 4 5] ]"), ExitedWithCode(1),
-              "Matrix row dimension mismatch");
-  EXPECT_EXIT(this->matrix("[ 1 2 ]"), ExitedWithCode(1), "Matrix: bad input");
-  EXPECT_THROW(this->matrix("[ [1 2] "), ReadException);
 }
 
 TYPED_TEST(Containers, CompareWithinTheTolerance) {

@@ -29,22 +29,6 @@ std::vector<int> contents(const Set<Item>& set) {
   return forward;
 }
 
-TEST(Set, KeepsTheOrderAndRefusesEqualAndSurplusElements) {
-  Set<Item> set;
-  set.setCapacity(3);
-  std::vector<bool> results;
-  for (const int vector : {1, 2, 1, 3, 4}) results.push_back(set.insert({vector, -vector}));
-  EXPECT_EQ(results, (std::vector{true, true, false, true, false}));
-  Set<Item> copy = set;
-  copy.removeFirst();
-  EXPECT_EQ(contents(set), (std::vector{1, 2, 3}));
-  set = copy;
-  copy.clear();
-  copy.clear();
-  EXPECT_EQ(contents(copy), std::vector<int>{});
-  EXPECT_EQ(contents(set), (std::vector{2, 3}));
-}
-
 TEST(SortedSet, RunsFromWorstToBestAndDropsTheWorst) {
   using Results = std::vector<bool>;
   const std::tuple<int, std::vector<Item>, Results, std::vector<int>> cases[] = {

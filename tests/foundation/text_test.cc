@@ -30,9 +30,7 @@ TEST(String, HasItsOperations) {
   EXPECT_EQ(String("aaa").replaceAll("a", "aa"), "aaaaaa");
   EXPECT_EQ(String("run.1/x.y.sol").regexReplace("\\.[^./]*$", ""), "run.1/x.y");
   EXPECT_EQ(String(" \t\f").trim(WHITE_SPACE), "");
-  EXPECT_EQ(String(" a b ").trimLeft(" "), "a b ");
   EXPECT_EQ(String(" a b ").trimRight(" "), " a b");
-  EXPECT_EQ(String("x ").trim(""), "x ");
   EXPECT_TRUE(String(".sol").endsWith(".sol") && String("x").endsWith(""));
   EXPECT_FALSE(String("sol").endsWith(".sol") || String("a.SOL").endsWith(".sol"));
   EXPECT_EQ(String("aBc").toLower() + String("aBc").toUpper(), "abcABC");

@@ -59,11 +59,6 @@ TEST_F(Precision, StaysExtendedWhereANumberDoesNotFit) {
   EXPECT_TRUE(front.isExtended);
 }
 
-TEST_F(Precision, LetsOtherExceptionsPass) {
-  EXPECT_THROW(front.guarded([](auto&) { throw ReadException(); }), ReadException);
-  EXPECT_FALSE(front.isExtended);
-}
-
 TEST_F(Precision, TracesTheSwitches) {
   front.standard.params.verb.set(2);
   testing::internal::CaptureStdout();

@@ -25,15 +25,6 @@ class Lattices : public testing::Test {
 };
 TYPED_TEST_SUITE(Lattices, Pairs);
 
-TYPED_TEST(Lattices, StartEmpty) {
-  const Lattice<typename TypeParam::T, typename TypeParam::U> lattice;
-  EXPECT_EQ(lattice.latRows + lattice.latDim + lattice.checkMode, 0);
-  EXPECT_TRUE(lattice.TT.MN == 1 && lattice.TT[1].isIdentity() && lattice.stages.MN == 1);
-  EXPECT_EQ(joined(lattice.signReference, lattice.signReferenceLat), "11");
-  EXPECT_TRUE(lattice.interval_tt == 100 && lattice.intervalLimit == 10);
-  EXPECT_EQ(lattice.homogeneousVectors.capacity, 100);
-}
-
 TYPED_TEST(Lattices, TakeABasisAndResize) {
   auto& lattice = this->subject;
   EXPECT_TRUE(lattice.B == this->base && lattice.B_save == this->base);
@@ -182,10 +173,6 @@ TEST(LatticeStatistics, TellOfTheFirstSolutions) {
             "\nT(bestTarget) = inf, S(bestTarget) = -1\n\nSolutions found: 4\n"
             "\n{ The first solution/s was/were found after: 1 sec(s) 1:01 min(s):sec(s) == 61 secs "
             "2:01 min(s):sec(s) == 121 secs }\n");
-  lattice.program.tu = 0;
-  lattice.stars.resize(1, false);
-  lattice.params.bench.set(2);
-  EXPECT_EQ(lattice.statistics(), "\n{ The first solution/s was/were found after: 1 sec(s) }\n");
 }
 
 }  // namespace

@@ -104,16 +104,6 @@ TEST(ZZ, ReadsTextAndCutsDigits) {
         [](ZZ& a) { dropLowDigits(a, 10); });
 }
 
-TEST(ZZ, CountsWithoutLimbsAsZero) {
-  ZZ a = 7;
-  a.base_lshift(2);
-  EXPECT_EQ(toString(a), "7000000000000000000");
-  a.base_rshift(3);
-  EXPECT_TRUE(a.MN == 0 && isZero(a) && a == zz("-") && toString(a) == "0" && digitCount(a) == 1);
-  a.base_lshift(3);
-  EXPECT_TRUE(a == 0 && -a == 0 && isNormal(a + a) && isNormal(a * 7) && ZZ(7) + a == 7);
-}
-
 /// ganze nenner + zaehler with the sign.
 ZZ improper(const QQ& x) { return (x.ganze * x.nenner + x.zaehler) * (x.positive ? 1 : -1); }
 
@@ -162,19 +152,6 @@ TEST(QQ, ComputesWithFractions) {
     const QQ a = randomRational(length);
     checkOperations(a, randomRational(round % 2 == 0 ? length : 9));
   }
-}
-
-TEST(QQ, IsMadeAndTakenApart) {
-  const ZZ minusZero = zz("-");
-  EXPECT_TRUE(is(QQ(-7LL), -7, 1) && is(QQ(minusZero), 0, 1) && is(QQ::EPSILON(), 1, 1000000000));
-  EXPECT_TRUE(is(QQ(ZZ(6), ZZ(-4)), -3, 2) && is(QQ(ZZ(-6), ZZ(-4)), 3, 2));
-  EXPECT_TRUE(is(QQ(ZZ(0), ZZ(0)), 0, 1) && is(QQ(minusZero, ZZ(5)), 0, 1));
-  const QQ x = QQ("-7:1/3");
-  EXPECT_TRUE(wholeSigned(x) == -7 && numeratorSigned(x) == -1 && denominator(x) == 3);
-  EXPECT_TRUE(denominator(-QQ::INF()) == 1 && numeratorSigned(-7).positive);
-  ZZ az, bz, l;
-  commonDenominator(az, bz, l, QQ("2:1/6"), QQ("-1/4"));
-  EXPECT_TRUE(az == 2 && bz == 3 && l == 12);
 }
 
 TEST(QQ, ComputesWithInfinitiesPowersAndRoots) {

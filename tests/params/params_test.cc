@@ -78,9 +78,7 @@ TEST(Params, TypedValues) {
   const Case cases[] = {
       {"inf", true, HUGE_LONG, most, INF_F},
       {"-inf", true, std::numeric_limits<long>::min(), 0, -INF_F},
-      {"1.5", true, 1, 1, 1.5L},
       {"99999999999999999999999", true, HUGE_LONG, most, 99999999999999999999999.0L},
-      {"x", false, 0, 0, 0},
   };
   for (const auto& [text, flag, whole, size, number] : cases) {
     Options<dbl_t> options;
@@ -102,22 +100,6 @@ TEST(ParamsDeathTest, MalformedWords) {
     EXPECT_EXIT(options.readLine(line), ExitedWithCode(1),
                 joined("^\n\\*\\*\\* FAIL: Malformed parameter: ", word, "\n$"));
   }
-}
-
-TEST(Params, SetCallsBackWithTheTextInPlace) {
-  Options<dbl_t> options;
-  std::string calls;
-  options.scale.setOnChange([&](const String& text) {
-    calls += joined(text, options.scale.value.get(), options.scale.current, " ");
-  });
-  options.scale.set(true);
-  options.readLine("--scale=0");
-  options.assign(Options<dbl_t>());
-  options.scale.set(false);
-  EXPECT_EQ(calls, "111 000 ");
-  options.snorm.set(1.0L / 3);
-  EXPECT_EQ(options.snorm.value.get(), "0.333333");
-  EXPECT_EQ(options.snorm, 0.333333L);
 }
 
 TEST(Params, AssignBetweenNumberTypes) {

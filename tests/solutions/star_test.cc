@@ -7,7 +7,6 @@
 
 #include "program/vexil.h"
 #include "solutions/heuristic_vector.h"
-#include "solutions/stage.h"
 #include "solutions/star.tcc"
 #include "solutions/target_vector.h"
 #include "support/parsed.h"
@@ -80,23 +79,6 @@ TYPED_TEST(StarOrder, GoesByTheFirstDifference) {
   EXPECT_TRUE(star<T>("[ 1 ]", 0, 0, -1, "2", "b") < star<T>("[ 9 ]", 0, 0, -1, "1", "a"));
 }
 
-TYPED_TEST(StarOrder, SortsAndDropsDuplicates) {
-  using T = TypeParam;
-  Array<Star<T>> stars;
-  stars.resize(60, false);
-  for (long i = 1; i <= 60; ++i) {
-    stars[i] = star<T>("[ " + std::to_string(i % 20) + " ]", (i * 37) % 20, 0, i, "",
-                       i % 40 < 20 ? "p" : "q");
-  }
-  sort(stars);
-  for (long i = 2; i <= 60; ++i) EXPECT_FALSE(stars[i] < stars[i - 1]) << i;
-  removeDuplicates(stars, true);
-  EXPECT_EQ(stars.MN, 40);
-  removeDuplicates(stars, false);
-  ASSERT_EQ(stars.MN, 20);
-  for (long i = 1; i <= 20; ++i) EXPECT_EQ(stars[i].time, ((i - 1) * 13 + 19) % 20 + 1) << i;
-}
-
 TEST(Stars, ConvertByTheRuleOfVectors) {
   Star<QQ> exact = star<QQ>("[ 1/3 2 ]", 1, 0, 7, "2.2.3", "--verb=0");
   exact.targetNorm = QQ("7:1/3");
@@ -122,20 +104,6 @@ TEST(Records, ClearLeavesWhatTheyKeep) {
   target.throwOnLoss = false;
   target.clear();
   EXPECT_TRUE(target.throwOnLoss && TargetVector<QQ>(target).throwOnLoss);
-  HeuristicVector<dbl_t, QQ> candidate;
-  candidate.kind = 2;
-  candidate.violations = 3;
-  candidate.clear();
-  EXPECT_TRUE(candidate.kind == 0 && candidate.violations == 3 && candidate.throwOnLoss);
-}
-
-TEST(Records, StagesExchangeTheirNumbersOnly) {
-  Array<Stage<dbl_t, dbl_t>> stages;
-  stages.resize(2, false);
-  stages[1].vector.resize(1, false);
-  stages[1].values[5] = 4;
-  stages.swap(1, 2);
-  EXPECT_TRUE(stages[1].vector.MN == 1 && stages[2].values[5] == 4);
 }
 
 TEST(Deviations, AreOrdered) {
