@@ -89,6 +89,12 @@ class Array {
     return {MN > 0 ? data + 1 : data, static_cast<std::size_t>(MN)};
   }
 
+  /// Appends an element.
+  void append(const T& element) {
+    resize(MN + 1, true);
+    data[MN] = element;
+  }
+
   /// Removes element `i`, 1 <= i <= `MN`, by moving the later ones down.
   void removeElement(std::int64_t i) {
     for (; i < MN; ++i) data[i] = std::move(data[i + 1]);

@@ -14,6 +14,10 @@ static_assert(std::numeric_limits<dbl_t>::digits == 64,
 /// Decimal digits that `dbl_t` is trusted with.
 inline constexpr std::uint8_t DIGITS = 18;
 
+/// Significant digits of the numbers in files, and of the other numbers in reports and lines.
+inline constexpr int FILE_DIGITS = DIGITS - 1;
+inline constexpr int REPORT_DIGITS = 6;
+
 inline constexpr dbl_t ONE_F = 1.0L;
 inline constexpr dbl_t TWO_F = 2.0L;
 inline constexpr dbl_t THREE_F = 3.0L;

@@ -65,6 +65,13 @@ class ReadException : public GeneralException {
       : GeneralException(orElse(text, "Read exception")) {}
 };
 
+/// A file that cannot be locked or written.
+class WriteException : public GeneralException {
+ public:
+  explicit WriteException(const String& text = "")
+      : GeneralException(orElse(text, "Write exception")) {}
+};
+
 /// The lattice was regenerated in the middle of a reduction.
 class RestartException : public GeneralException {
  public:

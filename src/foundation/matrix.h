@@ -38,6 +38,28 @@ class Matrix : public ConversionArray<Vector<T>>, public Serializable {
   /// Gives the matrix exactly `m` rows and `n` columns; rows behind the `m`-th drop off.
   void setSize(std::int64_t m, std::int64_t n);
 
+  /// Takes a copy of `row` as a new last row, with 0 in the columns that it lacks; a matrix without
+  /// columns takes its width. Fatal: "Matrix row dimension mismatch" for a row that is too long.
+  void appendRow(const Vector<T>& row);
+
+  /// Drops row `i`; the later ones move up. Fatal: "Invalid row index!".
+  void removeRow(std::int64_t i);
+
+  /// Drops column `j`; an empty matrix stays so. Fatal: "removeComponent: invalid index".
+  void removeColumn(std::int64_t j);
+
+  /// Gives every row `n` columns, the new ones holding 0.
+  void widen(std::int64_t n);
+
+  /// Changes the sign of column `j`, and divides column `j` by `divisor`.
+  void negateColumn(std::int64_t j);
+  void divideColumn(std::int64_t j, const T& divisor);
+
+  [[nodiscard]] Matrix transposed() const;
+
+  /// Equal shapes and equal elements, without a tolerance.
+  [[nodiscard]] bool equalsExactly(const Matrix& B) const;
+
   /// Leaves no rows and no columns; the storage stays.
   void clear() override;
 
@@ -82,9 +104,18 @@ class Matrix : public ConversionArray<Vector<T>>, public Serializable {
   /// No row is shorter than the others, as the last one of a text may be.
   [[nodiscard]] bool isRectangular() const;
   [[nodiscard]] Matrix product(const Matrix& B) const;
-  void appendRow();
+  void appendTextRow();
   int eliminate();
 };
+
+/// No element is an infinity.
+template <typename T>
+[[nodiscard]] bool isFinite(const Matrix<T>& A) {
+  for (const Vector<T>& row : A.elements()) {
+    if (!isFinite<T>(row)) return false;
+  }
+  return true;
+}
 
 /// v A, the rows of A weighted by v; a row whose factor is exactly 0 is not looked at.
 /// "vector-matrix dimension mismatch"

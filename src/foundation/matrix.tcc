@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "foundation/matrix.h"
+#include "foundation/row_block.h"
 #include "foundation/text_streams.h"
 
 namespace vexil {
@@ -54,31 +55,67 @@ void Matrix<T>::clear() {
   columnCount = 0;
 }
 
-namespace detail {
-
-/// Rows whose scalar products are formed side by side: a floating sum waits for the one before it,
-/// and four of them keep the unit busy. The order of the terms in each sum stays.
-inline constexpr std::int64_t ROW_BLOCK = 4;
-
-/// result[k] = rows[k] v for the ROW_BLOCK rows from `rows` on, all of the dimension of v.
 template <typename T>
-void multiplyRowBlock(const Vector<T>* rows, const Vector<T>& v, T* result) {
-  const T* const a = rows[0].data;
-  const T* const b = rows[1].data;
-  const T* const c = rows[2].data;
-  const T* const d = rows[3].data;
-  T sums[ROW_BLOCK] = {};
-  for (std::int64_t j = 1; j <= v.MN; ++j) {
-    const T x = v.data[j];
-    sums[0] += a[j] * x;
-    sums[1] += b[j] * x;
-    sums[2] += c[j] * x;
-    sums[3] += d[j] * x;
-  }
-  std::copy(sums, sums + ROW_BLOCK, result);
+void Matrix<T>::appendRow(const Vector<T>& row) {
+  if (columnCount == 0) widen(row.MN);
+  if (row.MN > columnCount) fail("Matrix row dimension mismatch");
+  Vector<T> copy = row;  // it may be a row of this matrix
+  Array<Vector<T>>::resize(rowCount + 1, true);
+  rows = this->data;
+  rows[rowCount] = std::move(copy);
+  widen(columnCount);
 }
 
-}  // namespace detail
+template <typename T>
+void Matrix<T>::removeRow(std::int64_t i) {
+  if (i < 1 || i > rowCount) fail("Invalid row index!");
+  this->removeElement(i);
+}
+
+template <typename T>
+void Matrix<T>::removeColumn(std::int64_t j) {
+  for (Vector<T>& row : this->elements()) row.removeComponent(j);
+  if (columnCount > 0) --columnCount;
+}
+
+template <typename T>
+void Matrix<T>::widen(std::int64_t n) {
+  for (Vector<T>& row : this->elements()) {
+    const std::int64_t width = row.MN;
+    row.resize(n, false);
+    for (std::int64_t j = width + 1; j <= n; ++j) row.data[j] = T{};
+  }
+  columnCount = n;
+}
+
+template <typename T>
+void Matrix<T>::negateColumn(std::int64_t j) {
+  for (Vector<T>& row : this->elements()) row[j] = -row[j];
+}
+
+template <typename T>
+void Matrix<T>::divideColumn(std::int64_t j, const T& divisor) {
+  for (Vector<T>& row : this->elements()) row[j] /= divisor;
+}
+
+template <typename T>
+Matrix<T> Matrix<T>::transposed() const {
+  Matrix result;
+  result.setSize(columnCount, rowCount);
+  for (std::int64_t i = 1; i <= rowCount; ++i) {
+    for (std::int64_t j = 1; j <= columnCount; ++j) result.rows[j].data[i] = rows[i].data[j];
+  }
+  return result;
+}
+
+template <typename T>
+bool Matrix<T>::equalsExactly(const Matrix& B) const {
+  const auto equal = [](const Vector<T>& a, const Vector<T>& b) { return a.equalsExactly(b); };
+  const auto left = this->elements();
+  const auto right = B.elements();
+  return columnCount == B.columnCount &&
+         std::equal(left.begin(), left.end(), right.begin(), right.end(), equal);
+}
 
 template <typename T>
 Vector<T> Matrix<T>::operator*(const Vector<T>& v) const {
@@ -89,11 +126,10 @@ Vector<T> Matrix<T>::operator*(const Vector<T>& v) const {
   if constexpr (std::is_floating_point_v<T>) {
     const auto isWhole = [&v](const Vector<T>& row) { return row.MN == v.MN; };
     const auto blockIsWhole = [&] {
-      return i + detail::ROW_BLOCK <= rowCount + 1 &&
-             std::all_of(rows + i, rows + i + detail::ROW_BLOCK, isWhole);
+      return i + ROW_BLOCK <= rowCount + 1 && std::all_of(rows + i, rows + i + ROW_BLOCK, isWhole);
     };
-    for (; blockIsWhole(); i += detail::ROW_BLOCK) {
-      detail::multiplyRowBlock(rows + i, v, result.data + i);
+    for (; blockIsWhole(); i += ROW_BLOCK) {
+      multiplyRowBlock(rows + i, v.data, v.MN, result.data + i);
     }
   }
   for (; i <= rowCount; ++i) result.data[i] = rows[i] * v;
@@ -246,7 +282,7 @@ std::ostream& Matrix<T>::write(std::ostream& out) const {
 
 /// Grows by one row of the present width and stretches the row before it, which may be short.
 template <typename T>
-void Matrix<T>::appendRow() {
+void Matrix<T>::appendTextRow() {
   Array<Vector<T>>::resize(rowCount + 1, true);
   rows = this->data;
   rows[rowCount - 1].resize(columnCount, true);
@@ -263,7 +299,7 @@ void Matrix<T>::read(std::istream& in) {
   skipBlanks(in);
   while (!nextIs(in, ']')) {
     if (in.good() && !nextIs(in, '[')) fail("Matrix: bad input");
-    appendRow();
+    appendTextRow();
     Vector<T>& row = rows[rowCount];
     row.read(in);
     if (in.fail()) fail("Matrix: bad input");

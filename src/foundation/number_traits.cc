@@ -4,7 +4,9 @@
 #include <array>
 #include <charconv>
 #include <cstdio>
+#include <cstdlib>
 #include <sstream>
+#include <utility>
 
 namespace vexil {
 
@@ -31,6 +33,12 @@ bool isPlain(const std::ios_base& format) {
   constexpr auto special = std::ios_base::floatfield | std::ios_base::showpoint |
                            std::ios_base::showpos | std::ios_base::uppercase;
   return (format.flags() & special) == std::ios_base::fmtflags{} && format.width() == 0;
+}
+
+/// prime^k over what it shares with `digits`.
+dbl_t uncancelled(long prime, long digits, long k) {
+  for (; k > 0 && digits % prime == 0; --k) digits /= prime;
+  return std::pow(static_cast<dbl_t>(prime), static_cast<dbl_t>(k));
 }
 
 }  // namespace
@@ -61,6 +69,26 @@ void NumberTraits<dbl_t>::append(std::string& text, dbl_t x, const std::ios_base
   out.precision(format.precision());
   out << x;
   text += out.str();
+}
+
+dbl_t NumberTraits<dbl_t>::gcd(dbl_t a, dbl_t b) {
+  while (b != 0) {
+    a = std::fmod(a, b);
+    std::swap(a, b);
+  }
+  return std::fabs(a);
+}
+
+dbl_t NumberTraits<dbl_t>::den(dbl_t x) {
+  if (std::trunc(x) == x || !std::isfinite(x)) return 1;
+  std::string text(64, '\0');
+  std::snprintf(text.data(), text.size(), "%.*Le", FILE_DIGITS - 1, std::fabs(x));
+  std::erase(text, '.');
+  // What was d.ddde-dd is the whole number of the digits over 10^places.
+  char* exponent = nullptr;
+  const long digits = std::strtol(text.data(), &exponent, 10);
+  const long places = FILE_DIGITS - 1 - std::strtol(exponent + 1, nullptr, 10);
+  return uncancelled(2, digits, places) * uncancelled(5, digits, places);
 }
 
 void NumberTraits<long>::append(std::string& text, long x, const std::ios_base& /*format*/) {

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <regex>
 #include <sstream>
 
 #include "foundation/array.h"
@@ -26,12 +25,6 @@ String String::replaceAll(const String& what, const String& by) const {
     result.replace(at, what.size(), by);
   }
   return result;
-}
-
-String String::regexReplace(const String& pattern, const String& by) const {
-  const std::regex expression(pattern, std::regex::ECMAScript);
-  return std::regex_replace(static_cast<const std::string&>(*this), expression,
-                            static_cast<const std::string&>(by));
 }
 
 String String::trimRight(const char* chars) const { return substr(0, find_last_not_of(chars) + 1); }

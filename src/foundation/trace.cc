@@ -33,4 +33,9 @@ String traceEnd(bool quiet) {
   return open && !(quiet && closed) ? "\n" : "";
 }
 
+String traceLine(const String& text) {
+  const String prefix = traceBegin();
+  return prefix + " " + text + traceEnd(false);
+}
+
 }  // namespace vexil

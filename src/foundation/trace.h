@@ -18,6 +18,9 @@ namespace vexil {
 /// call is the fatal "Maximum thread depth reached".
 [[nodiscard]] String traceBegin();
 
+/// A single line with its prefix and its end.
+[[nodiscard]] String traceLine(const String& text);
+
 /// Leaves the level: "\n" where its line is still open, else the empty text. With `quiet` nothing
 /// is returned for a level that has ended a line of its own. Level 0 is never left.
 [[nodiscard]] String traceEnd(bool quiet);

@@ -28,6 +28,28 @@ class Vector : public SerializableArray<T> {
   [[nodiscard]] Vector operator+(const Vector& b) const;  ///< "Vector: dimension mismatch5"
   [[nodiscard]] Vector operator-(const Vector& b) const;  ///< "Vector: dimension mismatch6"
 
+  [[nodiscard]] Vector operator-() const;
+  void negate();  ///< every element
+
+  /// *this -= q b, the row operation of reductions. "Vector: dimension mismatch2"
+  void subtractMultiple(const T& q, const Vector& b);
+
+  /// The greatest magnitude of an element; 0 where there is none.
+  [[nodiscard]] T supNorm() const;
+
+  /// Takes `value` as a new last element.
+  void append(const T& value);
+
+  /// Puts `value` in front of element `i`, or behind the last one for `i` = MN + 1. Fatal:
+  /// "insertComponent: invalid index".
+  void insertComponent(std::int64_t i, const T& value);
+
+  /// Drops element `i`. Fatal: "removeComponent: invalid index".
+  void removeComponent(std::int64_t i);
+
+  /// Equal dimensions and equal elements, without a tolerance.
+  [[nodiscard]] bool equalsExactly(const Vector& b) const;
+
   /// Scalar product: the terms added to 0 in index order. "Vector: dimension mismatch8"
   [[nodiscard]] T operator*(const Vector& b) const;
 
@@ -41,6 +63,9 @@ class Vector : public SerializableArray<T> {
 
   /// All elements pass the tolerant zero test.
   [[nodiscard]] bool isZero() const;
+
+  /// Removes the first `count` elements, 0 <= `count` <= MN.
+  void dropLeading(std::int64_t count);
 
   /// Sets every element to `value`.
   void fill(const T& value);
@@ -71,6 +96,15 @@ class Vector : public SerializableArray<T> {
 template <typename T>
 [[nodiscard]] bool isZero(const Vector<T>& x) {
   return x.isZero();
+}
+
+/// No element is an infinity.
+template <typename T>
+[[nodiscard]] bool isFinite(const Vector<T>& x) {
+  for (const T& element : x.elements()) {
+    if (!isFinite<T>(element)) return false;
+  }
+  return true;
 }
 
 extern template class Vector<dbl_t>;

@@ -88,6 +88,64 @@ Vector<T> Vector<T>::operator-(const Vector& b) const {
 }
 
 template <typename T>
+void Vector<T>::negate() {
+  for (T& element : this->elements()) element = -element;
+}
+
+template <typename T>
+Vector<T> Vector<T>::operator-() const {
+  Vector negative = *this;
+  negative.negate();
+  return negative;
+}
+
+template <typename T>
+void Vector<T>::subtractMultiple(const T& q, const Vector& b) {
+  if (this->MN != b.MN) fail("Vector: dimension mismatch2");
+  const T factor = -q;
+  for (std::int64_t i = 1; i <= b.MN; ++i) {
+    NumberTraits<T>::addProduct(this->data[i], factor, b.data[i]);
+  }
+}
+
+template <typename T>
+T Vector<T>::supNorm() const {
+  T greatest{};
+  for (const T& element : this->elements()) {
+    T magnitude = NumberTraits<T>::abs(element);
+    if (greatest < magnitude) greatest = std::move(magnitude);
+  }
+  return greatest;
+}
+
+template <typename T>
+void Vector<T>::append(const T& value) {
+  T copy = value;  // it may stand in the block that the growth replaces
+  this->resize(this->MN + 1, true);
+  this->data[this->MN] = std::move(copy);
+}
+
+template <typename T>
+void Vector<T>::insertComponent(std::int64_t i, const T& value) {
+  if (i < 1 || i > this->MN + 1) fail("insertComponent: invalid index");
+  append(value);
+  std::rotate(this->data + i, this->data + this->MN, this->data + this->MN + 1);
+}
+
+template <typename T>
+void Vector<T>::removeComponent(std::int64_t i) {
+  if (i < 1 || i > this->MN) fail("removeComponent: invalid index");
+  this->removeElement(i);
+}
+
+template <typename T>
+bool Vector<T>::equalsExactly(const Vector& b) const {
+  const auto left = this->elements();
+  const auto right = b.elements();
+  return std::equal(left.begin(), left.end(), right.begin(), right.end());
+}
+
+template <typename T>
 T Vector<T>::operator*(const Vector& b) const {
   if (this->MN != b.MN) fail("Vector: dimension mismatch8");
   T sum{};
@@ -131,6 +189,13 @@ bool Vector<T>::isZero() const {
     if (!vexil::isZero<T>(element)) return false;
   }
   return true;
+}
+
+template <typename T>
+void Vector<T>::dropLeading(std::int64_t count) {
+  if (count == 0) return;
+  std::move(this->data + count + 1, this->data + this->MN + 1, this->data + 1);
+  this->resize(this->MN - count, false);
 }
 
 template <typename T>

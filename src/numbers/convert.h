@@ -4,13 +4,18 @@
 // that holds numbers; with `check` a target that has lost precision throws `PrecisionException`
 // "Precision lost during conversion", and what was converted so far stands in it. Between equal
 // types it is an assignment.
+//
+// convert(source, target) is the way of whole-object copies: it checks where digits can be lost, in
+// the one direction from `QQ` to `dbl_t`, and nowhere else.
 #pragma once
 
 #include <concepts>
 #include <type_traits>
 
 #include "foundation/matrix.h"
+#include "foundation/members.h"
 #include "foundation/pair.h"
+#include "foundation/set.h"
 #include "numbers/qq.h"
 
 namespace vexil {
@@ -18,6 +23,15 @@ namespace vexil {
 /// The two arithmetics.
 template <typename T>
 concept Number = std::same_as<T, QQ> || std::same_as<T, dbl_t>;
+
+/// True where a copy from the one type into the other can lose digits: towards standard precision,
+/// and for types made of numbers where it holds for one of these.
+template <typename Source, typename Target>
+inline constexpr bool narrows = false;
+template <>
+inline constexpr bool narrows<QQ, dbl_t> = true;
+template <template <typename...> typename Holder, typename... S, typename... T>
+inline constexpr bool narrows<Holder<S...>, Holder<T...>> = (narrows<S, T> || ...);
 
 /// The floating value whose text is that of `q`. A fraction is taken to 19 significant digits;
 /// behind a whole part of more than 18 digits it is dropped. With `throwOnLoss` such a whole part
@@ -35,6 +49,14 @@ template <Number T>
 void convertNumber(const T& source, T& target, bool /*check*/, bool /*throwOnLoss*/,
                    bool /*tolerateFraction*/) {
   target = source;
+}
+
+/// A number of either arithmetic as one of `Target`, as near as that can hold it.
+template <Number Target, Number Source>
+[[nodiscard]] Target numberAs(const Source& source) {
+  Target target;
+  convertNumber(source, target, false, false, false);
+  return target;
 }
 
 /// One number, as pairs hold them: with `check` neither digits nor fractions may be lost, and the
@@ -116,6 +138,31 @@ void convert(const SerializableArray<S>& source, SerializableArray<T>& target, b
   target.copyTextSettings(source);
   convert(static_cast<const ConversionArray<S>&>(source), static_cast<ConversionArray<T>&>(target),
           check);
+}
+
+/// Element by element in the order of the source, which the conversion keeps.
+template <typename S, typename T>
+void convert(const SortedSet<S>& source, SortedSet<T>& target, bool check) {
+  target.clear();
+  target.setCapacity(source.capacity);
+  for (const auto* p = source.head; p != nullptr; p = p->next) {
+    convert(p->element, target.append(T())->element, check);
+  }
+}
+
+/// A copy of anything that holds numbers, state structs by their members. A single number follows
+/// the rule of one that stands in a vector without settings.
+template <typename S, typename T>
+void convert(const S& source, T& target) {
+  if constexpr (std::is_same_v<S, T>) {
+    target = source;
+  } else if constexpr (Number<S>) {
+    convertNumber(source, target, narrows<S, T>, false, false);
+  } else if constexpr (Composite<S>) {
+    forEachMember(source, target, [](const auto& from, auto& to) { convert(from, to); });
+  } else {
+    convert(source, target, narrows<S, T>);
+  }
 }
 
 }  // namespace vexil

@@ -11,7 +11,7 @@ namespace vexil {
 /// fixed nor the scientific form.
 inline std::ios_base& fullPrecision(std::ios_base& stream) {
   stream.unsetf(std::ios_base::floatfield);
-  stream.precision(DIGITS - 1);
+  stream.precision(FILE_DIGITS);
   return stream;
 }
 

@@ -4,6 +4,7 @@
 // The callers own signs, sizes and storage.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -18,9 +19,6 @@ using Index = std::int64_t;
 
 inline constexpr int LIMB_DIGITS = DIGITS / 2;
 inline constexpr Limb BASE = 1'000'000'000;
-
-/// Products of at least this many pairs of limbs are split.
-inline constexpr Index KARATSUBA_THRESHOLD = 201;
 
 constexpr Word word(Limb limb) { return static_cast<Word>(limb); }
 constexpr Limb limb(Word value) { return static_cast<Limb>(value); }
@@ -40,30 +38,51 @@ inline constexpr Word WORD_BASE = word(BASE);
 /// -1, 0, 1 for two blocks of one size.
 [[nodiscard]] int compare(const Limb* a, const Limb* b, Index n);
 
-/// r = a + b on `an` limbs, an >= bn; returns the carry, 0 or 1. `r` may be `a` or `b`.
-Limb add(Limb* r, const Limb* a, Index an, const Limb* b, Index bn);
+/// r = a + b on `an` digits of `base`, an >= bn; returns the carry, 0 or 1. `r` may be `a` or `b`.
+template <Limb base = BASE>
+Limb add(Limb* r, const Limb* a, Index an, const Limb* b, Index bn) {
+  Limb carry = 0;
+  Index i = 0;
+  const auto store = [&](Limb sum) {
+    carry = sum >= base ? 1 : 0;
+    r[i] = sum - (sum >= base ? base : 0);
+  };
+  for (; i < bn; ++i) store(a[i] + b[i] + carry);
+  for (; i < an && carry != 0; ++i) store(a[i] + carry);
+  if (r != a) std::copy(a + i, a + an, r + i);
+  return carry;
+}
 
-/// r = a - b on `an` limbs, for a >= b and an >= bn. `r` may be `a` or `b`.
-void subtract(Limb* r, const Limb* a, Index an, const Limb* b, Index bn);
+/// r = a - b on `an` digits of `base`, for a >= b and an >= bn. `r` may be `a` or `b`.
+template <Limb base = BASE>
+void subtract(Limb* r, const Limb* a, Index an, const Limb* b, Index bn) {
+  Limb borrow = 0;
+  Index i = 0;
+  const auto store = [&](Limb difference) {
+    borrow = difference < 0 ? 1 : 0;
+    r[i] = difference + (difference < 0 ? base : 0);
+  };
+  for (; i < bn; ++i) store(a[i] - b[i] - borrow);
+  for (; i < an && borrow != 0; ++i) store(a[i] - borrow);
+  if (r != a) std::copy(a + i, a + an, r + i);
+}
 
-/// r = a * factor on `n` limbs, factor < BASE; returns the limb above. `r` may be `a`.
-Limb multiplySmall(Limb* r, const Limb* a, Index n, Limb factor);
+/// q = a / divisor on `n` limbs, 0 < divisor < BASE^2; returns the remainder. `q` may be `a`.
+Word divideSmall(Limb* q, const Limb* a, Index n, Word divisor);
 
-/// q = a / divisor on `n` limbs, 0 < divisor < BASE; returns the remainder. `q` may be `a`.
-Limb divideSmall(Limb* q, const Limb* a, Index n, Limb divisor);
+/// The remainder of a / divisor, as `divideSmall` returns it.
+[[nodiscard]] Word remainderSmall(const Limb* a, Index n, Word divisor);
 
-/// r = a * b on an + bn limbs, apart from both operands; an, bn >= 1. Karatsuba and Ofman, 1962, on
-/// top of the schoolbook product.
+/// r = a * b on an + bn limbs; an, bn >= 1. `r` may begin where an operand does. Karatsuba and
+/// Ofman, 1962, on top of the schoolbook product.
 void multiply(Limb* r, const Limb* a, Index an, const Limb* b, Index bn);
 
-/// Knuth, The Art of Computer Programming, volume 2, 4.3.1, algorithm D, for operands that are
-/// normalised: the top limb of `v` is at least BASE / 2. `u` has un + 1 limbs, of which the top
-/// `vn` hold a number below `v`, and un >= vn >= 2. Leaves the quotient in q[0] to q[un - vn] and
-/// the remainder in u[0] to u[vn - 1].
-void divide(Limb* q, Limb* u, Index un, const Limb* v, Index vn);
+/// q = a / b on an - bn + 1 limbs, rest = the remainder on `bn` limbs, an >= bn > 2. No top limb is
+/// 0. `q` and `rest` may begin where an operand does; a null `rest` is not written.
+void divide(Limb* q, Limb* rest, const Limb* a, Index an, const Limb* b, Index bn);
 
-/// Replaces (u, v) by (A u + B v, C u + D v) on `n` limbs, for factors of at most BASE in magnitude
-/// whose results are not negative and fit.
+/// Replaces (u, v) by (A u + B v, C u + D v) on `n` limbs, for factors below BASE^2 in magnitude
+/// whose results are not negative and fit. `n` is even.
 struct Combination {
   Limb A = 1;
   Limb B = 0;

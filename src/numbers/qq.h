@@ -66,6 +66,14 @@ void normalize(QQ& x);
 extern bool limitProducts;
 void setLimitProducts(bool limited);
 
+/// Limits products for as long as it lives.
+class ProductLimit {
+ public:
+  ProductLimit() { setLimitProducts(true); }
+  ProductLimit(ProductLimit&&) = delete;  // and no copies either
+  ~ProductLimit() { setLimitProducts(false); }
+};
+
 /// -1, 0 or 1.
 [[nodiscard]] int compare(const QQ& a, const QQ& b);
 inline bool operator==(const QQ& a, const QQ& b) { return compare(a, b) == 0; }
@@ -134,11 +142,22 @@ inline QQ& operator/=(QQ& a, const QQ& b) {
 /// `PrecisionException` "QQ: division by zero3" for a negative y where x^-y is 0.
 [[nodiscard]] QQ pow(const QQ& x, const QQ& y);
 
-/// The k-th root by Newton's iteration, accurate to about 10^-9: the one inexact operation. Fatal:
-/// "QQ: zero-th roots are not defined", "QQ: division by zero" for a negative k and x = 0, "QQ:
-/// complex roots are not implemented". Throws what the division by a slope that was cut to 0
-/// throws.
+/// The k-th root by Newton's iteration, accurate to about 10^-9, or to its 18 digits where it has
+/// more than nine in front of the point: the one inexact operation. Fatal: "QQ: zero-th roots are
+/// not defined", "QQ: division by zero" for a negative k and x = 0, "QQ: complex roots are not
+/// implemented". Throws what the division by a slope that was cut to 0 throws.
 [[nodiscard]] QQ root(const QQ& x, const ZZ& k);
+
+/// The square root of x >= 0 as a decimal fraction, with an error below 10^-digits.
+[[nodiscard]] QQ squareRoot(const QQ& x, std::int64_t digits);
+
+// Whole numbers; infinities stay.
+[[nodiscard]] QQ floor(const QQ& x);
+[[nodiscard]] QQ ceil(const QQ& x);
+[[nodiscard]] QQ round(const QQ& x);  ///< halves away from zero
+
+/// Rounds to the nearest decimal fraction with so many decimals.
+void roundDecimals(QQ& x, std::int64_t digits);
 
 /// Cuts a denominator of more than `digits` digits to so many, its numerator by as many digits; a
 /// numerator that has no more than these leaves no fraction. The result is not in normal form.
@@ -174,12 +193,25 @@ void fromFloat(dbl_t value, QQ& x);
 template <>
 struct NumberTraits<QQ> {
   static const QQ& infinity() { return QQ::INF(); }
+  static const QQ& tolerance() { return QQ::EPSILON(); }
   static bool isZero(const QQ& x);
   static bool agree(const QQ& a, const QQ& b);
   static bool isNoPivot(const QQ& x) {
     return !x.isInf && vexil::isZero(x.ganze) && vexil::isZero(x.zaehler);
   }
   static void addProduct(QQ& sum, const QQ& a, const QQ& b) { vexil::addProduct(sum, a, b); }
+  static QQ abs(const QQ& x) { return vexil::abs(x); }
+  static bool isFinite(const QQ& x) { return !x.isInf; }
+  static QQ floor(const QQ& x) { return vexil::floor(x); }
+  static QQ ceil(const QQ& x) { return vexil::ceil(x); }
+  static QQ round(const QQ& x) { return vexil::round(x); }
+  static QQ sqrt(const QQ& x, std::int64_t digits) { return squareRoot(x, digits); }
+  static void roundDecimals(QQ& x, std::int64_t digits) { vexil::roundDecimals(x, digits); }
+  static QQ gcd(const QQ& a, const QQ& b) { return vexil::gcd(a.ganze, b.ganze); }
+  static QQ lcm(const QQ& a, const QQ& b) { return vexil::lcm(a.ganze, b.ganze); }
+  static QQ den(const QQ& x) { return denominator(x); }
+  static QQ powerOfTen(const QQ& x) { return pow(10, x); }
+  static void guard(const QQ& /*x*/, const char* /*text*/) {}
   static void append(std::string& text, const QQ& x, int /*digits*/) { vexil::append(text, x); }
   static void append(std::string& text, const QQ& x, const std::ios_base& /*format*/) {
     vexil::append(text, x);

@@ -1,14 +1,14 @@
 // Vexil - exact integer optimization on lattices.
 //
-// Each operation has a short cut for parts of one limb, which machine words hold. The others work
-// on integers that live for the whole process, so that blocks are reused. Results are reduced by
-// the greatest common divisors of small operands: Knuth, The Art of Computer Programming, volume
-// 2, 4.5.1.
+// Behind the short cuts the operations work on integers that live for the whole process, so that
+// blocks are used again. Results are reduced by the greatest common divisors of small operands:
+// Knuth, The Art of Computer Programming, volume 2, 4.5.1.
+#include <algorithm>
 #include <utility>
 
 #include "foundation/exceptions.h"
 #include "foundation/failure.h"
-#include "numbers/qq_parts.h"
+#include "numbers/qq_small.h"
 
 namespace vexil {
 
@@ -21,29 +21,6 @@ namespace {
 /// Digits of the denominators that `limitProducts` leaves.
 constexpr int PRODUCT_DIGITS = DIGITS;
 
-/// A finite number whose parts are single limbs.
-struct Small {
-  bool positive = true;
-  Limb whole = 0;
-  Limb numerator = 0;
-  Limb denominator = 1;
-
-  [[nodiscard]] bool isWhole() const { return denominator == 1; }
-  /// The value times the denominator, without its sign.
-  [[nodiscard]] Word improper() const {
-    return limbs::word(whole) * limbs::word(denominator) + limbs::word(numerator);
-  }
-};
-
-Limb lowLimb(const ZZ& part) { return part.MN > 0 ? part.data[1] : 0; }
-
-/// Loads a number into `small`; false if it has longer parts.
-bool load(const QQ& x, Small& small) {
-  if (x.isInf || x.ganze.MN > 1 || x.zaehler.MN > 1 || x.nenner.MN != 1) return false;
-  small = {x.positive, lowLimb(x.ganze), lowLimb(x.zaehler), x.nenner.data[1]};
-  return true;
-}
-
 void storeInfinity(QQ& r, bool positive) {
   r.isInf = true;
   r.positive = positive;
@@ -52,91 +29,24 @@ void storeInfinity(QQ& r, bool positive) {
   assignPart(r.nenner, 1);
 }
 
-/// Stores numerator / denominator, which is reduced; the denominator is below BASE^2.
-void storeReduced(QQ& r, bool positive, DoubleWord numerator, Word denominator) {
-  if (const Word low = static_cast<Word>(numerator); low == numerator) {
-    return assignParts(r, positive, low / denominator, low % denominator, denominator);
-  }
-  const DoubleWord whole = numerator / denominator;
-  const Word rest = static_cast<Word>(numerator - whole * denominator);
-  const auto small = static_cast<Word>(whole);
-  if (small == whole) return assignParts(r, positive, small, rest, denominator);
-  constexpr Word twoLimbs = limbs::WORD_BASE * limbs::WORD_BASE;
-  assignParts(r, positive, 0, rest, denominator);
-  r.positive = positive;
-  static ZZ low;
-  assignWord(low, static_cast<Word>(whole % twoLimbs));
-  assignWord(r.ganze, static_cast<Word>(whole / twoLimbs));
-  r.ganze.base_lshift(2);
-  add(r.ganze, low, r.ganze);
-}
-
-/// r = whole + numerator / denominator for signed parts, |numerator| < 2 * denominator; `common` is
-/// a multiple of the greatest common divisor of numerator and denominator.
-void storeSum(QQ& r, Limb whole, Limb numerator, Limb denominator, Word common) {
-  for (; numerator < 0; --whole) numerator += denominator;
-  for (; numerator >= denominator; ++whole) numerator -= denominator;
-  const bool positive = whole >= 0;
-  if (!positive && numerator > 0) {
-    ++whole;
-    numerator = denominator - numerator;
-  }
-  const Word divisor =
-      numerator == 0 ? limbs::word(denominator) : gcdWord(limbs::word(numerator), common);
-  assignParts(r, positive, limbs::word(positive ? whole : -whole), limbs::word(numerator) / divisor,
-              limbs::word(denominator) / divisor);
-}
-
-void addSmall(const Small& a, const Small& b, bool bPositive, QQ& r) {
-  const Limb aSign = a.positive ? 1 : -1;
-  const Limb bSign = bPositive ? 1 : -1;
-  const Limb whole = aSign * a.whole + bSign * b.whole;
-  if (a.isWhole() && b.isWhole()) {
-    return assignParts(r, whole >= 0, limbs::word(whole < 0 ? -whole : whole), 0, 1);
-  }
-  const Word common = a.isWhole() || b.isWhole()
-                          ? 1
-                          : gcdWord(limbs::word(a.denominator), limbs::word(b.denominator));
-  const Limb aScale = b.denominator / limbs::limb(common);
-  const Limb bScale = a.denominator / limbs::limb(common);
-  const Limb numerator = aSign * a.numerator * aScale + bSign * b.numerator * bScale;
-  storeSum(r, whole, numerator, aScale * a.denominator, common);
-}
-
-void mulSmall(const Small& a, const Small& b, QQ& r) {
-  const bool positive = a.positive == b.positive;
-  Word x = a.improper();
-  Word y = b.improper();
-  if (a.isWhole() && b.isWhole()) return assignParts(r, positive, x * y, 0, 1);
-  if (x == 0 || y == 0) return assignParts(r, true, 0, 0, 1);
-  const Word g = b.isWhole() ? 1 : gcdWord(x, limbs::word(b.denominator));
-  const Word h = a.isWhole() ? 1 : gcdWord(y, limbs::word(a.denominator));
-  x /= g;
-  y /= h;
-  storeReduced(r, positive, static_cast<DoubleWord>(x) * y,
-               (limbs::word(a.denominator) / h) * (limbs::word(b.denominator) / g));
-}
-
-/// False if the result needs more than words.
-bool divSmall(const Small& a, const Small& b, QQ& r) {
-  const bool positive = a.positive == b.positive;
-  const Word x = a.improper();
-  const Word y = b.improper();
-  if (x == 0) {
-    assignParts(r, true, 0, 0, 1);
-    return true;
-  }
-  const Word g = gcdWord(x, y);
-  const Word h = gcdWord(limbs::word(a.denominator), limbs::word(b.denominator));
-  const DoubleWord denominator = static_cast<DoubleWord>(y / g) * (limbs::word(a.denominator) / h);
-  if (denominator >= static_cast<DoubleWord>(limbs::WORD_BASE) * limbs::WORD_BASE) return false;
-  storeReduced(r, positive, static_cast<DoubleWord>(x / g) * (limbs::word(b.denominator) / h),
-               static_cast<Word>(denominator));
-  return true;
-}
-
 bool isWhole(const QQ& x) { return isZero(x.zaehler); }
 bool isExactZero(const QQ& x) { return !x.isInf && isZero(x.ganze) && isZero(x.zaehler); }
+
+/// Integers of one operation, whose blocks the next one uses again.
+struct Scratch {
+  ZZ left;
+  ZZ right;
+  ZZ leftDenominator;
+  ZZ rightDenominator;
+  ZZ divisor;
+};
+
+Scratch& scratch() {
+  static Scratch numbers;
+  return numbers;
+}
+
+bool isOne(const ZZ& a) { return a.MN == 1 && a.data[1] == 1; }
 
 /// r = a / b without a remainder.
 void divideExactly(const ZZ& a, const ZZ& b, ZZ& r) { div(a, b, r, r); }
@@ -148,9 +58,10 @@ void increment(ZZ& x, int by) {
 
 /// Divides both by their greatest common divisor, of which `common` is a multiple.
 void reduce(ZZ& numerator, ZZ& denominator, const ZZ& common) {
-  static ZZ divisor;
+  if (isOne(common)) return;
+  ZZ& divisor = scratch().divisor;
   gcd(numerator, common, divisor);
-  if (divisor.MN == 1 && divisor.data[1] == 1) return;
+  if (isOne(divisor)) return;
   divideExactly(numerator, divisor, numerator);
   divideExactly(denominator, divisor, denominator);
 }
@@ -179,66 +90,103 @@ void addWhole(const QQ& a, const QQ& b, bool bPositive, QQ& r) {
   finishWhole(r, aPositive == r.ganze.positive);
 }
 
-/// r = whole + numerator / denominator for signed parts; takes the blocks of all three.
-void storeSum(QQ& r, ZZ& whole, ZZ& numerator, ZZ& denominator, const ZZ& common) {
-  static ZZ quotient;
-  div(numerator, denominator, quotient, numerator);
-  add(whole, quotient, whole);
-  if (!isZero(whole) && !isZero(numerator) && whole.positive != numerator.positive) {
-    increment(whole, whole.positive ? -1 : 1);
-    numerator.positive ? sub(numerator, denominator, numerator)
-                       : add(numerator, denominator, numerator);
+/// The fraction of r is in [0, 2) and not reduced; makes it a proper one.
+void carryFraction(QQ& r) {
+  if (compareMagnitudes(r.zaehler, r.nenner) < 0) return;
+  sub(r.zaehler, r.nenner, r.zaehler);
+  increment(r.ganze, 1);
+}
+
+/// Adds numerator / denominator, a proper reduced fraction, to the fraction of r; a one that is
+/// carried goes to the whole part.
+void addToFraction(QQ& r, Word numerator, Word denominator) {
+  const Word common = gcdWord(denominator, remainder(r.nenner, denominator));
+  if (common > 1) divideExactly(r.nenner, common);
+  const limbs::Combination sum = {.A = limbs::limb(denominator / common),
+                                  .B = limbs::limb(numerator),
+                                  .C = 0,
+                                  .D = limbs::limb(denominator)};
+  combine(r.zaehler, r.nenner, std::max(r.zaehler.MN, r.nenner.MN) + WORD_LIMBS, sum);
+  carryFraction(r);
+  if (common == 1 || isZero(r.zaehler)) return;
+  const Word divisor = gcdWord(common, remainder(r.zaehler, common));
+  if (divisor == 1) return;
+  divideExactly(r.zaehler, divisor);
+  divideExactly(r.nenner, divisor);
+}
+
+/// The same for parts of any length.
+void addToFraction(QQ& r, const ZZ& numerator, const ZZ& denominator) {
+  auto& [left, right, leftDenominator, rightDenominator, divisor] = scratch();
+  static ZZ common;
+  gcd(r.nenner, denominator, common);
+  divideExactly(r.nenner, common, leftDenominator);
+  divideExactly(denominator, common, rightDenominator);
+  mul(r.zaehler, rightDenominator, left);
+  mul(numerator, leftDenominator, right);
+  add(left, right, r.zaehler);
+  mul(leftDenominator, denominator, r.nenner);
+  carryFraction(r);
+  reduce(r.zaehler, r.nenner, common);
+}
+
+/// Gives r, whose whole part has a sign behind that of `positive`, the sign of its value.
+void settleSign(QQ& r, bool positive) {
+  if (!r.ganze.positive) {
+    if (!isZero(r.zaehler)) {
+      increment(r.ganze, 1);
+      sub(r.nenner, r.zaehler, r.zaehler);
+    }
+    r.ganze.positive = true;
+    positive = !positive;
   }
+  if (isZero(r.zaehler)) return finishWhole(r, positive);
   r.isInf = false;
-  r.positive = isZero(whole) ? numerator.positive : whole.positive;
-  whole.positive = numerator.positive = true;
-  if (isZero(numerator)) {
-    assignPart(numerator, 0);
-    assignPart(denominator, 1);
+  r.positive = positive;
+}
+
+/// r = a + b for finite numbers, where `b` has the sign given and no longer denominator than `a`. A
+/// fraction to be subtracted is added as 1 less than its complement.
+void addShorter(const QQ& a, const QQ& b, bool bPositive, QQ& r) {
+  const bool positive = a.positive;
+  const bool agree = positive == bPositive;
+  const bool hasFraction = !isWhole(b);
+  const bool isWord = b.nenner.MN <= WORD_LIMBS;
+  static ZZ numerator;
+  static ZZ denominator;
+  Word numeratorWord = 0;
+  Word denominatorWord = 1;
+  if (isWord) {
+    denominatorWord = toWord(b.nenner);
+    numeratorWord = agree ? toWord(b.zaehler) : denominatorWord - toWord(b.zaehler);
   } else {
-    reduce(numerator, denominator, common);
+    denominator = b.nenner;
+    numerator = b.zaehler;
+    if (!agree) sub(denominator, numerator, numerator);
   }
-  std::swap(r.ganze, whole);
-  std::swap(r.zaehler, numerator);
-  std::swap(r.nenner, denominator);
+  agree ? add(a.ganze, b.ganze, r.ganze) : sub(a.ganze, b.ganze, r.ganze);
+  r.zaehler = a.zaehler;
+  r.nenner = a.nenner;
+  if (hasFraction) {
+    if (!agree) increment(r.ganze, -1);
+    isWord ? addToFraction(r, numeratorWord, denominatorWord)
+           : addToFraction(r, numerator, denominator);
+  }
+  settleSign(r, positive);
 }
 
 /// r = a + b, where `b` has the sign given.
 void addSigned(const QQ& a, const QQ& b, bool bPositive, QQ& r) {
-  Small x;
-  Small y;
+  SmallNumber x;
+  SmallNumber y;
   if (load(a, x) && load(b, y)) return addSmall(x, y, bPositive, r);
   if (a.isInf || b.isInf) return addInfinite(a, b, bPositive, r);
   if (isWhole(a) && isWhole(b)) return addWhole(a, b, bPositive, r);
-  static ZZ whole;
-  static ZZ numerator;
-  static ZZ denominator;
-  static ZZ common;
-  static ZZ left;
-  static ZZ right;
-  const auto sum = [&](const ZZ& p, const ZZ& q, ZZ& result) {
-    if (a.positive == bPositive) {
-      add(p, q, result);
-    } else {
-      sub(p, q, result);
-    }
-    if (!a.positive && !isZero(result)) result.positive = !result.positive;
-  };
-  sum(a.ganze, b.ganze, whole);
-  if (isWhole(a) || isWhole(b)) {
-    sum(a.zaehler, b.zaehler, numerator);
-    denominator = isWhole(a) ? b.nenner : a.nenner;
-    assignWord(common, 1);
-  } else {
-    gcd(a.nenner, b.nenner, common);
-    divideExactly(b.nenner, common, left);
-    divideExactly(a.nenner, common, right);
-    mul(a.nenner, left, denominator);
-    mul(a.zaehler, left, left);
-    mul(b.zaehler, right, right);
-    sum(left, right, numerator);
-  }
-  storeSum(r, whole, numerator, denominator, common);
+  if (b.nenner.MN <= a.nenner.MN) return addShorter(a, b, bPositive, r);
+  // b + a with the sign of b turned where it is not the one given, and turned back.
+  const bool turned = b.positive != bPositive;
+  addShorter(b, a, a.positive != turned, r);
+  if (turned && !isExactZero(r)) r.positive = !r.positive;
 }
 
 /// The value times its denominator, without its sign.
@@ -259,6 +207,23 @@ void storeReduced(QQ& r, bool positive, ZZ& numerator, ZZ& denominator) {
   std::swap(r.zaehler, numerator);
   std::swap(r.nenner, denominator);
   r.positive = positive;
+}
+
+/// r = a b, or a / b if `inverted`, for finite numbers and b that is not 0 then. Of either product
+/// that makes the result, what could cancel against the other is taken off the factors.
+void multiplyFractions(const QQ& a, const QQ& b, bool inverted, QQ& r) {
+  const bool positive = a.positive == b.positive;
+  auto& [x, y, xDenominator, yDenominator, divisor] = scratch();
+  improper(a, x);
+  improper(b, y);
+  xDenominator = a.nenner;
+  yDenominator = b.nenner;
+  if (inverted) std::swap(y, yDenominator);
+  reduce(x, yDenominator, yDenominator);
+  reduce(y, xDenominator, xDenominator);
+  mul(x, y, x);
+  mul(xDenominator, yDenominator, yDenominator);
+  storeReduced(r, positive, x, yDenominator);
 }
 
 ZZ signedPart(ZZ part, bool positive) {
@@ -349,14 +314,9 @@ int compare(const QQ& a, const QQ& b) {
   if (a.positive != b.positive) return a.positive ? 1 : -1;
   const int sign = a.positive ? 1 : -1;
   if (a.isInf || b.isInf) return a.isInf && b.isInf ? 0 : (a.isInf ? sign : -sign);
-  Small x;
-  Small y;
-  if (load(a, x) && load(b, y)) {
-    if (x.whole != y.whole) return x.whole < y.whole ? -sign : sign;
-    const Limb left = x.numerator * y.denominator;
-    const Limb right = y.numerator * x.denominator;
-    return left == right ? 0 : (left < right ? -sign : sign);
-  }
+  SmallNumber x;
+  SmallNumber y;
+  if (load(a, x) && load(b, y)) return sign * compareSmall(x, y);
   int order = compareMagnitudes(a.ganze, b.ganze);
   if (order == 0) {
     static ZZ left;
@@ -389,29 +349,16 @@ void add(const QQ& a, const QQ& b, QQ& r) { addSigned(a, b, b.positive, r); }
 void sub(const QQ& a, const QQ& b, QQ& r) { addSigned(a, b, !b.positive, r); }
 
 void mul(const QQ& a, const QQ& b, QQ& r) {
-  Small p;
-  Small q;
-  if (load(a, p) && load(b, q)) return mulSmall(p, q, r);
+  SmallNumber p;
+  SmallNumber q;
+  if (load(a, p) && load(b, q) && mulSmall(p, q, r)) return;
   if (a.isInf || b.isInf) return mulInfinite(a, b, r);
-  const bool positive = a.positive == b.positive;
   if (isWhole(a) && isWhole(b)) {
+    const bool positive = a.positive == b.positive;
     mul(a.ganze, b.ganze, r.ganze);
     return finishWhole(r, positive);
   }
-  if (limitProducts) return mulLimited(a, b, r);
-  static ZZ x;
-  static ZZ y;
-  static ZZ aNenner;
-  static ZZ bNenner;
-  improper(a, x);
-  improper(b, y);
-  aNenner = a.nenner;
-  bNenner = b.nenner;
-  reduce(x, bNenner, b.nenner);
-  reduce(y, aNenner, a.nenner);
-  mul(x, y, x);
-  mul(aNenner, bNenner, aNenner);
-  storeReduced(r, positive, x, aNenner);
+  limitProducts ? mulLimited(a, b, r) : multiplyFractions(a, b, false, r);
 }
 
 void div(const QQ& a, const QQ& b, QQ& r) {
@@ -419,36 +366,16 @@ void div(const QQ& a, const QQ& b, QQ& r) {
   if (isExactZero(b)) throw PrecisionException("QQ: division by zero3");
   if (a.isInf) return storeInfinity(r, a.positive == b.positive);
   if (b.isInf) return assignParts(r, true, 0, 0, 1);
-  Small p;
-  Small q;
+  SmallNumber p;
+  SmallNumber q;
   if (load(a, p) && load(b, q) && divSmall(p, q, r)) return;
-  const bool positive = a.positive == b.positive;
-  static ZZ x;
-  static ZZ y;
-  static ZZ aNenner;
-  static ZZ bNenner;
-  improper(a, x);
-  improper(b, y);
-  aNenner = a.nenner;
-  bNenner = b.nenner;
-  reduce(x, y, y);
-  reduce(aNenner, bNenner, bNenner);
-  mul(x, bNenner, x);
-  mul(y, aNenner, y);
-  storeReduced(r, positive, x, y);
+  multiplyFractions(a, b, true, r);
 }
 
 void addProduct(QQ& sum, const QQ& a, const QQ& b) {
-  Small p;
-  Small q;
-  if (load(a, p) && load(b, q) && p.isWhole() && q.isWhole() && !sum.isInf && isWhole(sum) &&
-      sum.ganze.MN <= WORD_LIMBS) {
-    const Limb product = p.whole * q.whole;
-    const Limb before = limbs::limb(toWord(sum.ganze));
-    const Limb after =
-        (sum.positive ? before : -before) + (p.positive == q.positive ? product : -product);
-    return assignParts(sum, after >= 0, limbs::word(after < 0 ? -after : after), 0, 1);
-  }
+  SmallNumber p;
+  SmallNumber q;
+  if (load(a, p) && load(b, q) && p.isWhole() && q.isWhole() && addProductSmall(sum, p, q)) return;
   static QQ product;
   mul(a, b, product);
   add(sum, product, sum);

@@ -10,7 +10,7 @@ namespace vexil {
 namespace {
 
 /// Significant digits that are taken from a floating value.
-constexpr int TEXT_DIGITS = DIGITS - 1;
+constexpr int TEXT_DIGITS = FILE_DIGITS;
 
 /// The value of the text of a fractional number between 0.01 and 10^17: the mantissa times
 /// 10^places and over a power of two is rounded as the text is, to the nearest number, a tie to the

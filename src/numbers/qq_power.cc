@@ -38,15 +38,31 @@ QQ limited(QQ x) {
   return x;
 }
 
-/// x >= 0, k >= 2.
+/// x^e by squaring, each product limited: a great exponent makes no long fractions.
+QQ limitedPower(const QQ& x, const ZZ& e) {
+  if (isZero(e)) return 1;
+  ZZ half, odd;
+  div(e, 2, half, odd);
+  const QQ root = limitedPower(x, half);
+  const QQ square = limited(root * root);
+  return isZero(odd) ? square : limited(square * x);
+}
+
+/// x >= 0, k >= 2. From the second iterate on the iteration descends by ever smaller steps, until
+/// the rounding to `ROOT_DIGITS` is all that moves it. It ends there where x is too great for the
+/// tolerance to be met.
 QQ newtonRoot(const QQ& x, const ZZ& k) {
   const QQ factor = k;
   QQ guess = (x + 1) / factor;
+  QQ lastStep = QQ::INF();
   for (;;) {
-    const QQ slope = limited(wholePower(guess, k - 1));
+    const QQ slope = limitedPower(guess, k - 1);
     QQ next = limited(guess - (slope * guess - x) / (factor * slope));
-    if (isZero(next - guess) && isZero(wholePower(next, k) - x)) return guess;
+    QQ step = abs(next - guess);
+    if (isZero(step) && isZero(limitedPower(next, k) - x)) return guess;
+    if (step >= lastStep) return guess;
     guess = std::move(next);
+    lastStep = std::move(step);
   }
 }
 
@@ -74,6 +90,24 @@ QQ root(const QQ& x, const ZZ& k) {
   }
   if (k == 1) return x;
   return newtonRoot(x, k);
+}
+
+QQ squareRoot(const QQ& x, std::int64_t digits) {
+  if (!isZero(x.ganze) || !isZero(x.zaehler)) {
+    // x is a number between 1/10 and 1000 times 100^half, whose root starts the iteration.
+    constexpr std::int64_t FIRST_DIGITS = 8;
+    const std::int64_t order = digitCount(improper(x)) - digitCount(x.nenner);
+    const std::int64_t half = (order - (order < 0 ? 1 : 0)) / 2;
+    const QQ unit = pow(10, static_cast<long>(half));
+    QQ guess = root(limited(x / (unit * unit)), 2) * unit;
+    for (std::int64_t known = FIRST_DIGITS; known < digits + half + 1; known *= 2) {
+      guess = (guess + x / guess) / 2;
+      roundDecimals(guess, digits + 1);
+    }
+    roundDecimals(guess, digits);
+    return guess;
+  }
+  return 0;
 }
 
 void limitDigits(QQ& x, int digits) {

@@ -134,7 +134,7 @@ void cancelPrime(ZZ& a, ZZ& b, Index exponent, Word prime, int step) {
     }
     if (divisor == 1) return;
     for (ZZ* const x : {&a, &b}) {
-      limbs::divideSmall(x->data + 1, x->data + 1, x->MN, divisor);
+      limbs::divideSmall(x->data + 1, x->data + 1, x->MN, limbs::word(divisor));
       x->MN = limbs::trimmed(x->data + 1, x->MN);
     }
   }

@@ -68,6 +68,19 @@ void assignWordAnyway(ZZ& a, Word value) {
   if (top != 0) a.data[3] = limbs::limb(top);
 }
 
+void assignDoubleWord(ZZ& a, DoubleWord value) {
+  if (const Word low = static_cast<Word>(value); low == value) return assignWord(a, low);
+  Limb digits[2];
+  const Word upper = limbs::carryOf(value, digits[0]);
+  const Word top = upper / limbs::word(limbs::WIDE);
+  digits[1] = limbs::limb(upper - top * limbs::word(limbs::WIDE));
+  a.positive = true;
+  a.Array::resize(5, false);
+  limbs::split(a.data + 1, 4, digits);
+  a.data[5] = limbs::limb(top);
+  a.MN = limbs::trimmed(a.data + 1, 5);
+}
+
 ZZ::ZZ(long long value) {
   const Word magnitude = value < 0 ? 0 - static_cast<Word>(value) : static_cast<Word>(value);
   assignWord(*this, magnitude);

@@ -1,7 +1,5 @@
 // Vexil - exact integer optimization on lattices.
 #include <algorithm>
-#include <utility>
-#include <vector>
 
 #include "foundation/failure.h"
 #include "numbers/zz.h"
@@ -23,29 +21,26 @@ void assignWords(Word quotient, Word remainder, ZZ& q, ZZ& r) {
   assignWord(q, quotient);
 }
 
-void divideByLimb(const ZZ& a, Index an, Limb divisor, ZZ& q, ZZ& r) {
+/// Drops the zero limbs at the top of a result but for the last limb.
+void trim(ZZ& a) { a.MN = std::max<Index>(1, limbs::trimmed(a.data + 1, a.MN)); }
+
+void divideByWord(const ZZ& a, Index an, Word divisor, ZZ& q, ZZ& r) {
   q.Array::resize(an, false);
-  const Limb remainder = limbs::divideSmall(q.data + 1, a.data + 1, an, divisor);
-  q.MN = std::max<Index>(1, limbs::trimmed(q.data + 1, an));
-  if (&q != &r) assignWord(r, limbs::word(remainder));
+  const Word remainder = limbs::divideSmall(q.data + 1, a.data + 1, an, divisor);
+  trim(q);
+  if (&q != &r) assignWord(r, remainder);
 }
 
-/// Works on copies of the operands that are scaled for the long division.
 void divideLong(const ZZ& a, Index an, const ZZ& b, Index bn, ZZ& q, ZZ& r) {
-  static std::vector<Limb> dividend;
-  static std::vector<Limb> divisor;
-  dividend.resize(static_cast<std::size_t>(an) + 1);
-  divisor.resize(static_cast<std::size_t>(bn));
-  const Limb scale = limbs::BASE / (b.data[bn] + 1);
-  dividend.back() = limbs::multiplySmall(dividend.data(), a.data + 1, an, scale);
-  limbs::multiplySmall(divisor.data(), b.data + 1, bn, scale);
-  q.Array::resize(an - bn + 1, false);
-  limbs::divide(q.data + 1, dividend.data(), an, divisor.data(), bn);
-  q.MN = std::max<Index>(1, limbs::trimmed(q.data + 1, q.MN));
-  if (&q == &r) return;
-  r.Array::resize(bn, false);
-  limbs::divideSmall(r.data + 1, dividend.data(), bn, scale);
-  r.MN = std::max<Index>(1, limbs::trimmed(r.data + 1, bn));
+  const bool wantsRemainder = &q != &r;
+  q.Array::resize(std::max(q.MN, an - bn + 1), false);  // keeps the limbs of an operand
+  if (wantsRemainder) r.Array::resize(std::max(r.MN, bn), false);
+  limbs::divide(q.data + 1, wantsRemainder ? r.data + 1 : nullptr, a.data + 1, an, b.data + 1, bn);
+  q.MN = an - bn + 1;
+  trim(q);
+  if (!wantsRemainder) return;
+  r.MN = bn;
+  trim(r);
 }
 
 }  // namespace
@@ -63,12 +58,17 @@ void div(const ZZ& a, const ZZ& b, ZZ& q, ZZ& r) {
   } else if (compareMagnitudes(a, b) < 0) {
     r = a;
     setZero(q);
-  } else if (bn == 1) {
-    divideByLimb(a, an, b.data[1], q, r);
+  } else if (bn <= WORD_LIMBS) {
+    divideByWord(a, an, toWord(b), q, r);
   } else {
     divideLong(a, an, b, bn, q, r);
   }
   setSigns(q, quotientPositive, r, remainderPositive);
+}
+
+void divideExactly(ZZ& a, Word divisor) {
+  limbs::divideSmall(a.data + 1, a.data + 1, a.MN, divisor);
+  trim(a);
 }
 
 ZZ mod(const ZZ& a, const ZZ& b) {

@@ -10,48 +10,109 @@ namespace vexil {
 
 namespace {
 
-/// The 18 digits of `a` that begin with the top one of its limb `n` > 2, where that limb has
-/// `digits`.
-Limb leading(const ZZ& a, Index n, int digits) {
-  const auto limbAt = [&](Index i) { return i <= a.MN ? a.data[i] : 0; };
-  const Limb upper = limbAt(n) * limbs::BASE + limbAt(n - 1);
-  return upper * limbs::limb(limbs::powerOfTen(limbs::LIMB_DIGITS - digits)) +
-         limbAt(n - 2) / limbs::limb(limbs::powerOfTen(digits));
+/// The 36 digits of `a` that begin with the top one of limb `n`, where that limb has `digits`.
+DoubleWord leading(const ZZ& a, Index n, int digits) {
+  const auto limbAt = [&](Index i) { return limbs::word(i >= 1 && i <= a.MN ? a.data[i] : 0); };
+  const auto pairAt = [&](Index i) { return limbAt(i) * limbs::WORD_BASE + limbAt(i - 1); };
+  const DoubleWord upper =
+      static_cast<DoubleWord>(pairAt(n)) * limbs::word(limbs::WIDE) + pairAt(n - 2);
+  return upper * limbs::powerOfTen(limbs::LIMB_DIGITS - digits) +
+         limbAt(n - 4) / limbs::powerOfTen(digits);
 }
 
-/// As many of Euclid's steps on u and v as their leading digits tell for certain.
-limbs::Combination certainSteps(Limb u, Limb v) {
-  limbs::Combination steps;
-  while (v + steps.C != 0 && v + steps.D != 0) {
-    const Limb quotient = (u + steps.A) / (v + steps.C);
-    if (quotient != (u + steps.B) / (v + steps.D)) break;
-    steps.A = std::exchange(steps.C, steps.A - quotient * steps.C);
-    steps.B = std::exchange(steps.D, steps.B - quotient * steps.D);
-    u = std::exchange(v, u - quotient * v);
+/// What steps of Euclid's algorithm make of u and v: A u - B v and D v - C u, both negated behind
+/// an odd number of steps. D is the greatest of the four.
+struct Steps {
+  Word A = 1;
+  Word B = 0;
+  Word C = 0;
+  Word D = 1;
+  bool odd = false;
+
+  [[nodiscard]] DoubleWord first(DoubleWord u, DoubleWord v) const {
+    return odd ? B * v - A * u : A * u - B * v;
+  }
+  [[nodiscard]] DoubleWord second(DoubleWord u, DoubleWord v) const {
+    return odd ? C * u - D * v : D * v - C * u;
+  }
+  /// These steps and then `next`.
+  [[nodiscard]] Steps then(const Steps& next) const {
+    return {.A = next.A * A + next.B * C,
+            .B = next.A * B + next.B * D,
+            .C = next.C * A + next.D * C,
+            .D = next.C * B + next.D * D,
+            .odd = odd != next.odd};
+  }
+  [[nodiscard]] limbs::Combination combination() const {
+    const auto withSign = [](Word factor, bool negative) {
+      return negative ? -limbs::limb(factor) : limbs::limb(factor);
+    };
+    return {.A = withSign(A, odd),
+            .B = withSign(B, !odd),
+            .C = withSign(C, !odd),
+            .D = withSign(D, odd)};
+  }
+};
+
+/// The steps that are certain for all numbers that differ from u > v by less than `error`: their
+/// remainders differ from those here by less than 2 error D, which must not change the order.
+Steps certainSteps(Word u, Word v, Word error) {
+  const Word slack = 2 * error;
+  Steps steps;
+  while (v > slack * steps.D) {
+    const Word quotient = u / v;
+    const Word rest = u - quotient * v;
+    const Word C = steps.A + quotient * steps.C;
+    const Word D = steps.B + quotient * steps.D;
+    if (rest < slack * D || v - rest < slack * (D + steps.D)) break;
+    u = std::exchange(v, rest);
+    steps = {.A = steps.C, .B = steps.D, .C = C, .D = D, .odd = !steps.odd};
   }
   return steps;
+}
+
+/// The steps that 36 leading digits tell: those of their upper halves, and those of the leading
+/// words of what these leave.
+Steps certainSteps(DoubleWord u, DoubleWord v) {
+  constexpr int HALF = 60;
+  const Steps steps = certainSteps(static_cast<Word>(u >> HALF), static_cast<Word>(v >> HALF), 1);
+  const DoubleWord x = steps.first(u, v);
+  const DoubleWord y = steps.second(u, v);
+  const int shift = 64 - std::countl_zero(static_cast<Word>(x >> HALF));
+  return steps.then(certainSteps(static_cast<Word>(x >> shift), static_cast<Word>(y >> shift),
+                                 2 + (steps.D >> shift)));
 }
 
 /// One round for u >= v, v of more than WORD_LIMBS limbs.
 void shrink(ZZ& u, ZZ& v) {
   const Index n = u.MN;
   const int digits = limbs::digitCount(limbs::word(u.data[n]));
-  const limbs::Combination steps = certainSteps(leading(u, n, digits), leading(v, n, digits));
+  const Steps steps = certainSteps(leading(u, n, digits), leading(v, n, digits));
   if (steps.B == 0) {
     static ZZ quotient;
     div(u, v, quotient, u);
-    std::swap(u, v);
-    return;
+    return std::swap(u, v);
   }
-  const Index vn = v.MN;
-  v.Array::resize(n, false);
-  std::fill(v.data + 1 + vn, v.data + 1 + n, 0);
-  limbs::combine(u.data + 1, v.data + 1, n, steps);
-  u.MN = limbs::trimmed(u.data + 1, n);
-  v.MN = limbs::trimmed(v.data + 1, n);
+  combine(u, v, n, steps.combination());
+}
+
+/// Puts zero limbs on top, up to `n` limbs.
+void extend(ZZ& a, Index n) {
+  const Index before = a.MN;
+  a.Array::resize(n, false);
+  std::fill(a.data + 1 + before, a.data + 1 + n, 0);
 }
 
 }  // namespace
+
+void combine(ZZ& u, ZZ& v, Index count, const limbs::Combination& by) {
+  const Index even = count + count % 2;
+  extend(u, even);
+  extend(v, even);
+  limbs::combine(u.data + 1, v.data + 1, even, by);
+  u.MN = limbs::trimmed(u.data + 1, count);
+  v.MN = limbs::trimmed(v.data + 1, count);
+}
 
 /// Stein's algorithm behind one step of Euclid's, which evens out different sizes.
 Word gcdWord(Word a, Word b) {
@@ -71,9 +132,11 @@ Word gcdWord(Word a, Word b) {
 
 /// Lehmer's algorithm: Knuth, The Art of Computer Programming, volume 2, 4.5.2, algorithm L.
 void gcd(const ZZ& a, const ZZ& b, ZZ& r) {
-  if (limbCount(a) <= WORD_LIMBS && limbCount(b) <= WORD_LIMBS) {
-    return assignWord(r, gcdWord(toWord(a), toWord(b)));
-  }
+  const bool aFits = limbCount(a) <= WORD_LIMBS;
+  const bool bFits = limbCount(b) <= WORD_LIMBS;
+  if (aFits && bFits) return assignWord(r, gcdWord(toWord(a), toWord(b)));
+  if (aFits && !isZero(a)) return assignWord(r, gcdWord(toWord(a), remainder(b, toWord(a))));
+  if (bFits && !isZero(b)) return assignWord(r, gcdWord(toWord(b), remainder(a, toWord(b))));
   static ZZ u;
   static ZZ v;
   u = a;
@@ -83,11 +146,9 @@ void gcd(const ZZ& a, const ZZ& b, ZZ& r) {
   while (v.MN > WORD_LIMBS) shrink(u, v);
   if (isZero(v)) {
     r = u;
-    return;
+  } else {
+    assignWord(r, gcdWord(toWord(v), remainder(u, toWord(v))));
   }
-  static ZZ quotient;
-  div(u, v, quotient, u);
-  assignWord(r, gcdWord(toWord(v), toWord(u)));
 }
 
 ZZ gcd(const ZZ& a, const ZZ& b) {

@@ -1,6 +1,4 @@
 // Vexil - exact integer optimization on lattices.
-#include <utility>
-
 #include "foundation/failure.h"
 #include "numbers/zz.h"
 #include "numbers/zz_words.h"
@@ -12,14 +10,10 @@ void mul(const ZZ& a, const ZZ& b, ZZ& r) {
   const Index bn = limbCount(b);
   if (an == 0 || bn == 0) return setZero(r);
   const bool positive = a.positive == b.positive;
-  if (an == 1 && bn == 1) {
-    assignWord(r, limbs::word(a.data[1]) * limbs::word(b.data[1]));
-  } else if (&r == &a || &r == &b) {
-    static ZZ product;
-    mul(a, b, product);
-    std::swap(r, product);
+  if (an <= WORD_LIMBS && bn <= WORD_LIMBS) {
+    assignDoubleWord(r, static_cast<DoubleWord>(toWord(a)) * toWord(b));
   } else {
-    r.Array::resize(an + bn, false);
+    r.Array::resize(an + bn, false);  // the blocks of operands may move with it
     limbs::multiply(r.data + 1, a.data + 1, an, b.data + 1, bn);
     r.MN = limbs::trimmed(r.data + 1, an + bn);
   }

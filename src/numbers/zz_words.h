@@ -3,6 +3,7 @@
 // The way between big integers and machine words, for the short cuts of numbers.
 #pragma once
 
+#include "numbers/wide_limbs.h"
 #include "numbers/zz.h"
 
 namespace vexil {
@@ -10,9 +11,6 @@ namespace vexil {
 using limbs::Index;
 using limbs::Limb;
 using limbs::Word;
-
-/// __extension__ admits the type that ISO C++ does not have.
-__extension__ using DoubleWord = unsigned __int128;
 
 /// Greatest number of limbs whose value every word holds.
 inline constexpr Index WORD_LIMBS = 2;
@@ -30,6 +28,15 @@ inline constexpr Index WORD_LIMBS = 2;
   return a.MN > 1 ? low + limbs::word(a.data[2]) * limbs::WORD_BASE : low;
 }
 
+/// The same for the four lowest limbs.
+[[nodiscard]] inline DoubleWord toDoubleWord(const ZZ& a) {
+  const auto pair = [&](Index i) {
+    const Word low = a.MN >= i ? limbs::word(a.data[i]) : 0;
+    return a.MN > i ? low + limbs::word(a.data[i + 1]) * limbs::WORD_BASE : low;
+  };
+  return pair(1) + static_cast<DoubleWord>(pair(3)) * limbs::word(limbs::WIDE);
+}
+
 /// What `assignWord` leaves: values of several limbs, and numbers without a block.
 void assignWordAnyway(ZZ& a, Word value);
 
@@ -41,7 +48,21 @@ inline void assignWord(ZZ& a, Word value) {
   a.data[1] = limbs::limb(value);
 }
 
+/// Makes `a` the non-negative `value` < 18 BASE^4.
+void assignDoubleWord(ZZ& a, DoubleWord value);
+
 inline void setZero(ZZ& a) { assignWord(a, 0); }
+
+/// The remainder of |a| / divisor, 0 < divisor < BASE^2.
+[[nodiscard]] inline Word remainder(const ZZ& a, Word divisor) {
+  return limbs::remainderSmall(a.data + 1, limbCount(a), divisor);
+}
+
+/// Divides by 0 < divisor < BASE^2, which leaves no remainder.
+void divideExactly(ZZ& a, Word divisor);
+
+/// Replaces (u, v) by (A u + B v, C u + D v), which are below BASE^count and not negative.
+void combine(ZZ& u, ZZ& v, Index count, const limbs::Combination& by);
 
 /// The greatest common divisor of two words.
 [[nodiscard]] Word gcdWord(Word a, Word b);

@@ -55,18 +55,17 @@ class ExtendedParams : public Params {
  private:
   template <typename S>
   static void convertParam(const Param<S>& source, Param<T>& target) {
-    constexpr bool check = std::is_same_v<T, dbl_t>;
     target.key = source.key;
     target.help = source.help;
-    convertNumber(source.initial, target.initial, check, false, false);
-    convertNumber(source.current, target.current, check, false, false);
+    convert(source.initial, target.initial);
+    convert(source.current, target.current);
     target.defaultText = textOf(target.initial);
     target.value.set(textOf(target.current));
   }
 
   [[nodiscard]] static String textOf(const T& number) {
     String text;
-    NumberTraits<T>::append(text, number, DIGITS - 1);
+    NumberTraits<T>::append(text, number, FILE_DIGITS);
     return text;
   }
 };

@@ -37,8 +37,7 @@ String nextName() {
     lastTime = now;
     counter = 1;
   }
-  return "/" + std::to_string(process) + "_" + std::to_string(now) + "_" +
-         std::to_string(counter++);
+  return joined("/", process, "_", now, "_", counter++);
 }
 
 /// Holds back all signals. One that ended the process between the making of a name and its entry

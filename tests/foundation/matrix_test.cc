@@ -82,6 +82,12 @@ TYPED_TEST(Containers, CheckDimensionsFirst) {
       {[&] { C.resize(-1, 2, false); }, "Matrix: invalid size\n"},
       {[&] { c[1] = C.determinant(); }, "Matrix: a non-quadratic matrix determinant is not"},
       {[&] { c[1] = ragged.determinant(); }, "Matrix: a non-quadratic matrix determinant is not"},
+      {[&] { c.subtractMultiple(c[1], b); }, "Vector: dimension mismatch2\n"},
+      {[&] { c.insertComponent(4, c[1]); }, "insertComponent: invalid index\n"},
+      {[&] { c.removeComponent(0); }, "removeComponent: invalid index\n"},
+      {[&] { C.removeRow(2); }, "Invalid row index!\n"},
+      {[&] { C.removeColumn(4); }, "removeComponent: invalid index\n"},
+      {[&] { C.appendRow(this->vector("[ 1 2 3 4 ]")); }, "Matrix row dimension mismatch\n"},
       {[&] { ragged *= A; }, "Matrix: dimension mismatch3\n"},
   };
   for (const auto& [act, text] : cases) EXPECT_EXIT(act(), ExitedWithCode(1), text);
@@ -124,6 +130,48 @@ TYPED_TEST(Containers, ResizeKeepsRows) {
   m.swapRows(1, 2);
   EXPECT_EQ(joined(copy), "[\n[ 1 ]\n[ 2 ]\n]");
   EXPECT_EQ(joined(m[1]), "[ 2 ]");
+}
+
+TYPED_TEST(Containers, ChangeByRowsAndColumns) {
+  auto v = this->vector("[ 1 -5 3 ]");
+  EXPECT_EQ(joined(-v, v.supNorm()), "[ -1 5 -3 ]5");
+  v.subtractMultiple(TypeParam(-2), this->vector("[ 0 1 2 ]"));
+  EXPECT_EQ(joined(v), "[ 1 -3 7 ]");
+  v.insertComponent(1, v[3]);
+  v.insertComponent(5, TypeParam(2));
+  v.removeComponent(2);
+  EXPECT_EQ(joined(v), "[ 7 -3 7 2 ]");
+  auto A = this->matrix("[ [1 2 3] [4 5 6] ]");
+  EXPECT_EQ(joined(A.transposed()), "[\n[ 1 4 ]\n[ 2 5 ]\n[ 3 6 ]\n]");
+  A.appendRow(A[1]);
+  A.removeRow(1);
+  A.removeColumn(2);
+  A.widen(3);
+  A.appendRow(this->vector("[ 8 ]"));
+  A.negateColumn(1);
+  A.divideColumn(2, TypeParam(3));
+  EXPECT_EQ(joined(A), "[\n[ -4 2 0 ]\n[ -1 1 0 ]\n[ -8 0 0 ]\n]");
+  Matrix<TypeParam> first;
+  first.appendRow(v);
+  EXPECT_EQ(joined(first), "[\n[ 7 -3 7 2 ]\n]");
+}
+
+TYPED_TEST(Containers, CompareExactly) {
+  const auto v = this->vector("[ 1 2 ]");
+  const auto near = this->vector("[ 1 2.00000000001 ]");
+  EXPECT_TRUE(v == near);
+  EXPECT_FALSE(v.equalsExactly(near));
+  EXPECT_FALSE(v.equalsExactly(this->vector("[ 1 2 3 ]")));
+  EXPECT_TRUE(v.equalsExactly(this->vector("[ 1 2 ]")));
+  const auto A = this->matrix("[ [1 2] ]");
+  EXPECT_TRUE(A.equalsExactly(this->matrix("[ [1 2] ]")));
+  EXPECT_FALSE(A.equalsExactly(this->matrix("[ [1 3] ]")));
+  EXPECT_FALSE(A.equalsExactly(this->matrix("[ [1 2] [1 2] ]")));
+}
+
+TYPED_TEST(Containers, AreFiniteWithoutInfinities) {
+  EXPECT_TRUE(isFinite(this->matrix("[ [1 2] [3 4] ]")));
+  EXPECT_FALSE(isFinite(this->matrix("[ [1 2] [3 -inf] ]")));
 }
 
 }  // namespace

@@ -31,8 +31,10 @@ TEST(String, HasItsOperations) {
   EXPECT_EQ(String("run.1/x.y.sol").regexReplace("\\.[^./]*$", ""), "run.1/x.y");
   EXPECT_EQ(String(" \t\f").trim(WHITE_SPACE), "");
   EXPECT_EQ(String(" a b ").trimRight(" "), " a b");
-  EXPECT_TRUE(String(".sol").endsWith(".sol") && String("x").endsWith(""));
-  EXPECT_FALSE(String("sol").endsWith(".sol") || String("a.SOL").endsWith(".sol"));
+  EXPECT_TRUE(String(".sol").endsWith(".sol"));
+  EXPECT_TRUE(String("x").endsWith(""));
+  EXPECT_FALSE(String("sol").endsWith(".sol"));
+  EXPECT_FALSE(String("a.SOL").endsWith(".sol"));
   EXPECT_EQ(String("aBc").toLower() + String("aBc").toUpper(), "abcABC");
 }
 
@@ -61,7 +63,8 @@ TEST(TextStreams, TakeBarAndTheEnd) {
   EXPECT_FALSE(takeBar(in));
   EXPECT_EQ(in.get(), 'x');
   skipChars(in, BLANKS, true);
-  EXPECT_TRUE(in.eof() && !in.fail());
+  EXPECT_TRUE(in.eof());
+  EXPECT_FALSE(in.fail());
   skipBlanks(in);
   EXPECT_TRUE(in.fail());
   std::stringstream one("  x");
@@ -69,41 +72,24 @@ TEST(TextStreams, TakeBarAndTheEnd) {
   EXPECT_EQ(one.str().size() - static_cast<std::size_t>(one.tellg()), 2U);
 }
 
-/// Each test of the trace log starts and ends at level 0 with nothing open.
-class Trace : public testing::Test {
- protected:
-  void SetUp() override {
-    traceDepth = 0;
-    traceLineOpen = {};
-    traceLineClosed = {};
-  }
-  void TearDown() override { SetUp(); }
-};
-
-TEST_F(Trace, IndentsNestedLines) {
+TEST(Trace, IndentsNestedLines) {
   std::ostringstream log;
   log << traceBegin() << " heading" << traceNewline();
   log << traceBegin() << " line" << traceEnd(false);
   log << traceBegin() << " open";
   log << traceBegin() << " nested" << traceEnd(false);
   log << traceEnd(false) << traceEnd(true);
-  log << traceBegin() << " waiting"
-      << " result" << traceEnd(false);
-  EXPECT_EQ(
-      log.str(),
-      "|-> heading\n|    |-> line\n|    |-> open\n|    |    |-> nested\n|-> waiting result\n");
-  EXPECT_EQ(traceEnd(false), "");
+  log << traceBegin() << " waiting" << traceEnd(false) << traceEnd(false);
+  EXPECT_EQ(log.str(),
+            "|-> heading\n|    |-> line\n|    |-> open\n|    |    |-> nested\n|-> waiting\n");
   EXPECT_EQ(traceDepth, 0);
-  traceDepth = 1;
-  traceLineOpen[1] = 1;
+  traceLineOpen[traceDepth = 1] = 1;
   EXPECT_EQ(traceEnd(true), "\n");
-}
-
-TEST_F(Trace, HasALimit) {
   for (int i = 0; i < 127; ++i) static_cast<void>(traceBegin());
   EXPECT_EQ(traceDepth, 127);
   EXPECT_EXIT(static_cast<void>(traceBegin()), testing::ExitedWithCode(1),
               "^\n\\*\\*\\* FAIL: Maximum thread depth reached\n$");
+  traceDepth = 0;
 }
 
 TEST(Exceptions, CarryTheTextOfTheirClass) {

@@ -5,9 +5,9 @@
 #include <limits>
 #include <vector>
 
+#include "foundation/overflow.h"
 #include "number_cases.h"
 #include "numbers/full_precision.h"
-#include "numbers/overflow.h"
 #include "numbers/qq_vectors.h"
 #include "support/parsed.h"
 
@@ -82,23 +82,23 @@ TEST(Convert, CarriesSettingsAndElements) {
   Vector<dbl_t> target = vector<dbl_t>("[ 1 2 3 4 5 ]");
   target.tolerateFraction = true;
   convert(source, target, true);
-  EXPECT_TRUE(target.delimiters == "; " && !target.skipComments && target.tolerateFraction);
-  EXPECT_TRUE(target.MN == 3 && target[1] == THIRD && target[2] == -INF_F && target[3] == 2);
+  EXPECT_EQ(words(target.delimiters, target.skipComments, target.tolerateFraction), ";  0 1");
+  EXPECT_EQ(joined(target), "[ 0.333333 -inf 2 ]");
+  EXPECT_EQ(target[1], THIRD);
   target.throwOnLoss = true;
   target.tolerateFraction = false;
   EXPECT_THROW(convert(source, target, false), PostCommaPrecisionException);
   Matrix<dbl_t> rows;
   rows.resize(4, 7, false);
   convert(matrix<QQ>("[ [ 1 2 3 ] [ -inf ] ]"), rows, true);
-  EXPECT_TRUE(rows.rowCount == 2 && rows.columnCount == 3 && rows.rows[2].MN == 1);
-  EXPECT_TRUE(rows[1][3] == 3 && rows[2][1] == -INF_F);
+  EXPECT_EQ(words(rows.columnCount, rows), "3 [\n[ 1 2 3 ]\n[ -inf ]\n]");
 
   SerializableArray<SerializablePair<QQ, QQ>> pairs("|");
   pairs.resize(1, false);
   pairs[1] = SerializablePair<QQ, QQ>(1, QQ("1/3"));
   SerializableArray<SerializablePair<dbl_t, dbl_t>> floats;
   convert(pairs, floats, false);
-  EXPECT_TRUE(floats.delimiters == "| " && floats[1].left == 1 && floats[1].right == THIRD);
+  EXPECT_EQ(joined(floats.delimiters, floats[1]), "| (1, 0.333333)");
 }
 
 TEST(Convert, ChecksTheWayBack) {

@@ -42,7 +42,9 @@ T result(void (*operation)(const T&, const T&, T&), const T& a, const T& b) {
   operation(a, right, right);
   operation(b, T(b), square);
   operation(both, both, both);
-  EXPECT_TRUE(left == separate && right == separate && both == square);
+  EXPECT_EQ(left, separate);
+  EXPECT_EQ(right, separate);
+  EXPECT_EQ(both, square);
   return separate;
 }
 

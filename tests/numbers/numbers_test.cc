@@ -57,7 +57,8 @@ void checkOperations(const ZZ& a, const ZZ& b) {
 TEST(ZZ, ComputesWithShortAndLongNumbers) {
   const long long limits[] = {0, -1, 999999999, 1000000000, -1000000001, LLONG_MAX, LLONG_MIN};
   for (const long long x : limits) {
-    EXPECT_TRUE(isNormal(x) && toString(ZZ(x)) == std::to_string(x)) << x;
+    EXPECT_TRUE(isNormal(x)) << x;
+    EXPECT_EQ(toString(ZZ(x)), std::to_string(x));
     for (const long long y : limits) checkOperations(x, y);
   }
   for (int round = 0; round < 20000 && !HasFailure(); ++round) {
@@ -68,12 +69,15 @@ TEST(ZZ, ComputesWithShortAndLongNumbers) {
     checkOperations(a * b, b);
     const ZZ g = gcd(a * b, b * randomInteger(40));
     ASSERT_TRUE(mod(g, b) == 0 && g.positive);
+    ASSERT_EQ(gcd(b, a * b + 1), 1);
+    ASSERT_EQ(gcd(a * b, b), abs(b));
     const std::string text = randomDigits(length);
     ASSERT_TRUE(toString(zz(text)) == text && digitCount(zz(text)) == std::ssize(text));
   }
   // Around the length of products that are split, and one whose middle part carries far.
   const auto nines = [](int count) { return pow(10, count).ganze - 1; };
-  for (const auto& [x, y] : {std::pair(180, 90), {603, 27}, {1800, 9}, {135, 126}, {2700, 2691}}) {
+  for (const auto& [x, y] :
+       {std::pair(180, 90), {603, 27}, {1800, 9}, {135, 126}, {288, 287}, {2700, 2691}}) {
     checkOperations(nines(x), nines(y));
   }
   checkOperations(nines(144), zz("1" + std::string(63, '0') + std::string(72, '9')));
@@ -82,7 +86,7 @@ TEST(ZZ, ComputesWithShortAndLongNumbers) {
   const ZZ c = randomInteger(3000);
   EXPECT_EQ((a - b) * (a + b), a * a - b * b);
   EXPECT_EQ(gcd(a * c, b * c), gcd(a, b) * abs(c));
-  EXPECT_TRUE(gcd(0, 0) == 0 && gcd(-12, 18) == 6 && gcd(0, -7) == 7 && lcm(4, 6) == 12);
+  EXPECT_EQ(words(gcd(0, 0), gcd(-12, 18), gcd(0, -7), lcm(4, 6)), "0 6 7 12");
   ZZ e = 41;
   power(-3, e, e);
   EXPECT_EQ(toString(e), "-36472996377170786403");
@@ -143,6 +147,7 @@ TEST(QQ, ComputesWithFractions) {
   const auto edges = vector<QQ>(
       "[ 999999999:999999998/999999999 -999999999:1/2 999999999 1000000000 1/999999999 "
       "999999998:1/999999997 -1/1000000000 12345678901/12345678901000000001 "
+      "999999999999999999 -999999999999999999:1/2 -1000000000000000000 "
       "12345678901/12345678900999999999 ]");
   for (std::int64_t i = 1; i <= edges.MN; ++i) {
     for (std::int64_t j = 1; j <= edges.MN; ++j) checkOperations(edges[i], edges[j]);
@@ -162,19 +167,75 @@ TEST(QQ, ComputesWithInfinitiesPowersAndRoots) {
   }
   for (const QQ& x : {inf + 1, 1 + inf, inf - -inf, -inf * -inf, inf / 3, abs(-inf), 1 - -inf,
                       -(1 - inf), -(-inf - 5), -(inf * -2), -(QQ("-1/2") * inf), -(-inf + -inf)}) {
-    EXPECT_TRUE(isNormal(x) && x == inf) << x;
+    EXPECT_TRUE(isNormal(x)) << x;
+    EXPECT_EQ(x, inf);
   }
   EXPECT_EQ(5 / -inf, 0);
-  EXPECT_FALSE(isZero(inf) || NumberTraits<QQ>::isNoPivot(inf) || NumberTraits<QQ>::isNoPivot(1));
-  EXPECT_TRUE(pow(2, inf) == inf && pow(-2, inf) == -inf && pow(QQ("-1/2"), inf) == 0);
-  EXPECT_TRUE(pow(-1, inf) == 1 && pow(3, -inf) == 0);
+  EXPECT_FALSE(isZero(inf));
+  EXPECT_FALSE(NumberTraits<QQ>::isNoPivot(inf));
+  EXPECT_FALSE(NumberTraits<QQ>::isNoPivot(1));
+  EXPECT_EQ(words(pow(2, inf), pow(-2, inf), pow(QQ("-1/2"), inf), pow(-1, inf), pow(3, -inf)),
+            "inf -inf 0 1 0");
   EXPECT_EQ(pow(inf, 2), 1);  // the parts of an infinity are those of 1
-  EXPECT_TRUE(pow(QQ("-2/3"), 3) == QQ("-8/27") && pow(QQ("-2/3"), -3) == QQ("-27/8"));
-  EXPECT_TRUE(pow(0, 0) == 1 && root(QQ("-5/7"), 1) == QQ("-5/7"));
+  EXPECT_EQ(words(pow(QQ("-2/3"), 3), pow(QQ("-2/3"), -3), pow(0, 0), root(QQ("-5/7"), 1)),
+            "-8/27 -3:3/8 1 -5/7");
   const QQ cubeRoot = root(8, 3);
-  EXPECT_TRUE(isZero(cubeRoot - 2) && cubeRoot != 2 && isNormal(cubeRoot)) << cubeRoot;
-  EXPECT_TRUE(isZero(root(-8, 3) + 2) && isZero(root(QQ("4/9"), -2) - QQ("3/2")));
+  EXPECT_TRUE(isNormal(cubeRoot)) << cubeRoot;
+  EXPECT_NE(cubeRoot, 2);
+  EXPECT_TRUE(isZero(cubeRoot - 2)) << cubeRoot;
+  EXPECT_TRUE(isZero(root(-8, 3) + 2));
+  EXPECT_TRUE(isZero(root(QQ("4/9"), -2) - QQ("3/2")));
   EXPECT_LT(abs(pow(QQ("9/4"), QQ("3/2")) - QQ("27/8")), QQ("1/10000000"));
+}
+
+TEST(QQ, RootsEnd) {
+  const QQ big = pow(10, 60) + 1;
+  const QQ tiny = QQ::ONE() / big;
+  for (const QQ& x : {big, tiny, big + tiny, big * big, QQ("2:1/3"), QQ(0)}) {
+    const QQ approximation = root(x, 2);
+    EXPECT_LT(abs(approximation - squareRoot(x, 20)), QQ::EPSILON() * 2) << x;
+    const QQ exact = squareRoot(x, 50);
+    EXPECT_LT(abs(exact * exact - x), (exact + 1) * 2 / pow(10, 50)) << x;
+  }
+  EXPECT_EQ(squareRoot(pow(3, 300), 5), pow(3, 150));
+  EXPECT_LT(abs(pow(root(3, 7), 7) - 3), QQ("1/100000000"));
+  EXPECT_EQ(thrown([] { (void)root(10, 1000000007); }), "QQ: division by zero3");
+}
+
+template <typename T>
+class Traits : public testing::Test {};
+using NumberTypes = testing::Types<dbl_t, QQ>;
+TYPED_TEST_SUITE(Traits, NumberTypes);
+
+TYPED_TEST(Traits, RoundToWholeNumbers) {
+  using N = NumberTraits<TypeParam>;
+  const auto x = vector<TypeParam>("[ 2.5 -2.5 3 -3 0.4 -0.4 inf -inf ]");
+  Vector<TypeParam> floors, ceilings, nearest;
+  for (const TypeParam& value : x.elements()) {
+    floors.append(N::floor(value));
+    ceilings.append(N::ceil(value) + 0);
+    nearest.append(N::round(value) + 0);
+  }
+  EXPECT_TRUE(floors.equalsExactly(vector<TypeParam>("[ 2 -3 3 -3 0 -1 inf -inf ]")));
+  EXPECT_TRUE(ceilings.equalsExactly(vector<TypeParam>("[ 3 -2 3 -3 1 0 inf -inf ]")));
+  EXPECT_TRUE(nearest.equalsExactly(vector<TypeParam>("[ 3 -3 3 -3 0 0 inf -inf ]")));
+}
+
+TYPED_TEST(Traits, KnowDivisorsAndDenominators) {
+  using T = TypeParam;
+  using N = NumberTraits<T>;
+  EXPECT_EQ(N::gcd(T(-12), T(18)), T(6));
+  EXPECT_EQ(N::lcm(T(-4), T(6)), T(12));
+  EXPECT_TRUE(N::agree(N::powerOfTen(T(-2)) * T(100), T(1)));
+  const auto x = vector<T>("[ 0.125 -0.00375 1.2 7 0 inf 123456.789 0.00001 ]");
+  const auto expected = vector<T>("[ 8 800 5 1 1 1 1000 100000 ]");
+  for (std::int64_t i = 1; i <= x.MN; ++i) EXPECT_EQ(N::den(x[i]), expected[i]) << x[i];
+}
+
+TEST(TraitsOfTypes, GuardStandardPrecisionAlone) {
+  EXPECT_EQ(thrown([] { NumberTraits<dbl_t>::guard(-2e9L, "q overflow"); }), "q overflow");
+  EXPECT_EQ(thrown([] { NumberTraits<dbl_t>::guard(1e9L, "q overflow"); }), "");
+  EXPECT_EQ(thrown([] { NumberTraits<QQ>::guard(pow(10, 30), "q overflow"); }), "");
 }
 
 TEST(QQ, LimitsDigits) {
@@ -249,7 +310,7 @@ TEST(QQText, MayBeLongAndDeep) {
     decimals += ".1";
     exponents += "0e";
   }
-  EXPECT_TRUE(QQ(decimals) == QQ("1/10") && QQ(exponents + "0") == 0);
+  EXPECT_EQ(words(QQ(decimals), QQ(exponents + "0")), "1/10 0");
   EXPECT_EQ(QQ(std::string(1000000, ':') + "1/2"), QQ("1/2"));
   EXPECT_EQ(digitCount(QQ("1." + std::string(1000000, '3')).nenner), 1000001);
   const std::string digits = randomDigits(1000) + std::string(1000000, '7');

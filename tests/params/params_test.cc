@@ -5,6 +5,7 @@
 
 #include "foundation/failure.h"
 #include "params/extended_params.h"
+#include "support/parsed.h"
 
 namespace vexil {
 namespace {
@@ -84,8 +85,9 @@ TEST(Params, TypedValues) {
     Options<dbl_t> options;
     options.readLine(joined("--help=", text, " --iters=", text, " --pairLimit=", text,
                             " --rtime=", text, " --snorm=", text));
-    EXPECT_TRUE(options.help == flag && options.iters == whole && options.pairLimit == size &&
-                options.snorm == number && options.rtime.current.get() == whole)
+    EXPECT_EQ(words(options.help.current, options.iters.current, options.pairLimit.current,
+                    options.snorm.current, options.rtime.current.get()),
+              words(flag, whole, size, number, whole))
         << text;
   }
 }
@@ -110,8 +112,10 @@ TEST(Params, AssignBetweenNumberTypes) {
   const std::string line = exact.text();
   standard.assign(exact);
   EXPECT_EQ(standard.text(), String(line).replaceAll("1234567:1/4", "1234567.25"));
-  EXPECT_TRUE(standard.snorm == 1234567.25L && standard.rtime.current.get() == 5);
-  EXPECT_TRUE(standard.cellsEnabled && *standard.table.find("verb") == &standard.verb);
+  EXPECT_EQ(standard.snorm, 1234567.25L);
+  EXPECT_EQ(standard.rtime.current.get(), 5);
+  EXPECT_TRUE(standard.cellsEnabled);
+  EXPECT_EQ(*standard.table.find("verb"), &standard.verb);
   exact.assign(standard);
   EXPECT_EQ(exact.text(), line);
   exact.readLine("--snorm=1234567890123456789012");

@@ -1,0 +1,24 @@
+// Vexil - exact integer optimization on lattices.
+#include "foundation/open_file.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace vexil {
+
+bool OpenFile::write(std::string_view text) const {
+  while (!text.empty()) {
+    const ssize_t written = ::write(descriptor_, text.data(), text.size());
+    if (written > 0) text.remove_prefix(static_cast<std::size_t>(written));
+    if (written < 0 && errno != EINTR) return false;
+  }
+  return true;
+}
+
+bool OpenFile::close() {
+  const int descriptor = std::exchange(descriptor_, -1);
+  return descriptor < 0 || ::close(descriptor) == 0 || errno == EINTR;
+}
+
+}  // namespace vexil
