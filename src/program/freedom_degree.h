@@ -24,6 +24,11 @@ template <typename T>
   return static_cast<FreedomDegree>((right == infinity ? 2 : 0) + (left == -infinity ? 1 : 0));
 }
 
+/// The variable has no right bound of its own.
+[[nodiscard]] inline bool isRightFree(FreedomDegree degree) {
+  return degree == FreedomDegree::RIGHT_FREE || degree == FreedomDegree::FREE;
+}
+
 inline std::ostream& operator<<(std::ostream& out, FreedomDegree degree) {
   return out << static_cast<std::int16_t>(degree);
 }

@@ -11,38 +11,11 @@
 
 namespace vexil {
 
-namespace detail {
-
-template <typename T>
-bool isFinite(const T& x) {
-  static const T infinity = NumberTraits<T>::infinity();
-  static const T minusInfinity = -infinity;
-  return !(x == infinity) && !(x == minusInfinity);
-}
-
-template <typename T>
-bool isFinite(const Vector<T>& row) {
-  for (const T& element : row.elements()) {
-    if (!isFinite(element)) return false;
-  }
-  return true;
-}
-
-template <typename T>
-bool isFinite(const Matrix<T>& matrix) {
-  for (const Vector<T>& row : matrix.elements()) {
-    if (!isFinite(row)) return false;
-  }
-  return true;
-}
-
-}  // namespace detail
-
 template <typename T>
 void Vexil<T>::readOptFile() {
   auto text = readFileText(optFile);
   if (!text) fail("Could not read opt file: ", optFile);
-  std::stringstream in(std::move(*text));
+  std::istringstream in(std::move(*text));  // nothing can be put into it, as into a file
   reset(true);
   readTargets(in);
   readEquations(in);
@@ -56,7 +29,7 @@ void Vexil<T>::readOptFile() {
   readInequationBounds(in);
   readVariableBounds(in, n);
   classifyVariables();
-  allTargetsFinite = detail::isFinite(dt);
+  allTargetsFinite = isFinite(dt);
 }
 
 template <typename T>
@@ -107,12 +80,12 @@ void Vexil<T>::checkColumns(std::int64_t n) const {
 
 template <typename T>
 void Vexil<T>::checkFiniteness() const {
-  if (!detail::isFinite(At)) fail("+-inf not allowed in At");
+  if (!isFinite(At)) fail("+-inf not allowed in At");
   for (std::int64_t i = 1; i <= Ag.rowCount; ++i) {
-    if (!detail::isFinite(bg[i])) fail("+-inf not allowed in bg");
-    if (!detail::isFinite(Ag[i])) fail("+-inf not allowed in Ag");
+    if (!isFinite(bg[i])) fail("+-inf not allowed in bg");
+    if (!isFinite(Ag[i])) fail("+-inf not allowed in Ag");
   }
-  if (!detail::isFinite(Au)) fail("+-inf not allowed in Au");
+  if (!isFinite(Au)) fail("+-inf not allowed in Au");
 }
 
 template <typename T>

@@ -6,7 +6,7 @@
 #include "numbers/convert.h"
 #include "numbers/qq_vectors.h"
 #include "program/freedom_degree.h"
-#include "solutions/star.h"
+#include "program/star.h"
 
 namespace vexil {
 
@@ -54,12 +54,22 @@ class Vexil {
   bool reportEnabled = false;  ///< found solutions are reported
   bool starsPrepared = false;  ///< slack and deviation variables stand in the program
 
+  template <typename Self>
+  static auto members(Self& self) {
+    auto& [optFile, solFile, dt, kt, lrtu, At, tu, atu, bg, lu, ru, Ag, Au, dx, lx, rx,
+           freedomDegrees, solStars, fixedVariables, swappedVariables, allTargetsFinite, sdim, tdim,
+           writeEnabled, reportEnabled, starsPrepared] = self;
+    return std::tie(optFile, solFile, dt, kt, lrtu, At, tu, atu, bg, lu, ru, Ag, Au, dx, lx, rx,
+                    freedomDegrees, solStars, fixedVariables, swappedVariables, allTargetsFinite,
+                    sdim, tdim, writeEnabled, reportEnabled, starsPrepared);
+  }
+
   Vexil();
   Vexil(const Vexil&) = default;
   Vexil& operator=(const Vexil&) = default;
   virtual ~Vexil() = default;
 
-  // --- vexil.tcc ---
+  // --- program/vexil.tcc ---
 
   /// Empties the program; the storage of the arrays stays. The file names stay with
   /// `keepFileNames`.
@@ -67,16 +77,64 @@ class Vexil {
 
   /// Takes over a program of either arithmetic, member by member. Towards `dbl_t` it throws
   /// `PrecisionException` where a number does not survive, and then leaves a partial copy.
-  template <typename S>
-  void assign(const Vexil<S>& source);
+  void assign(const Vexil<dbl_t>& source);
+  void assign(const Vexil<QQ>& source);
 
-  // --- opt_file.tcc ---
+  // --- program/opt_file.tcc ---
 
   /// Reads the program from `optFile` and validates it. Every fault of the file ends the run with
   /// its message; "Vector: bad stream" is thrown as `ReadException`.
   void readOptFile();
 
-  // --- star_check.tcc ---
+  // --- program/prepare.tcc: the rows as a lattice can hold them ---
+  //
+  // Each step below works in place, `verbose` prints a line for what it did. In `dbl_t` each
+  // arithmetic step is guarded: `PrecisionException` with the name of the value and "overflow".
+
+  /// Drops inequations that say nothing.
+  void removeUselessInequations(bool verbose);
+
+  /// Makes an equation of each inequation with equal bounds. Fatal: "Unfulfillable infinite
+  /// inequation detected --> NO SOLUTIONS!".
+  void moveFakeInequations(bool verbose);
+
+  /// Makes an equation of each one-sided inequation, with a variable of its own for the slack.
+  /// Fatal: "Implement the insert at sdim position case!".
+  void addSlackVariables();
+
+  /// Makes an equation of each target with a finite wish, with two variables for the deviation,
+  /// whose sum becomes the target.
+  void addDeviationVariables();
+
+  /// Appends a variable with its bounds and decimal places.
+  void addVariable(const T& lower, const T& upper, const T& decimals);
+
+  /// -1 for a target to be maximized, else 1.
+  [[nodiscard]] T targetSign(std::int64_t i) const;
+
+  /// The sum of the magnitudes of target values. Fatal: "This should not be the case anymore!" for
+  /// a target with a finite wish.
+  [[nodiscard]] T targetNorm(const Vector<T>& values) const;
+
+  /// `atu`: the sum of all targets, those to be maximized negated.
+  void computeAtu();
+
+  /// Bounds the combined target row by the known target values, if all of them are finite.
+  void seedTargetBound();
+
+  /// Bounds the combined target row below a point with the target values `values` and the combined
+  /// value `value`; true if a bound changed.
+  bool tightenTargetBound(const Vector<T>& values, const T& value);
+
+  /// Widens the bounds of the combined target row to what the bounds of the variables allow.
+  void boundTargetFromVariables();
+
+  // --- program/normal_form.tcc: whole numbers, variables from 0 on ---
+
+  /// Brings the program into normal form; `verbose` prints a line for what was removed.
+  void normalForm(bool verbose);
+
+  // --- solutions/star_check.tcc ---
 
   /// Tests a star against bounds, equations and inequations; one that passes gets its target values
   /// and norms, if the program has targets. Fatal: "Vector: dimension mismatch10" for a star of the
@@ -97,13 +155,16 @@ class Vexil {
   /// "preparation inconsistency" for a finite wish in a prepared program.
   [[nodiscard]] T targetAndSlackNorm(const Vector<T>& values, const Vector<T>& x, T& S) const;
 
-  // --- sol_writer.tcc ---
+  /// The value of the combined target row where the targets have the values `values`.
+  [[nodiscard]] T combinedValue(const Vector<T>& values) const;
+
+  // --- solutions/sol_writer.tcc ---
 
   /// One line of the sol file, without its newline: the elements with 17 significant digits, the
   /// other numbers with six in `dbl_t`.
   [[nodiscard]] String starText(const Star<T>& star) const;
 
-  // --- reports.tcc ---
+  // --- solutions/reports.tcc ---
 
   /// The final report of all stars.
   [[nodiscard]] String report() const;
@@ -121,9 +182,24 @@ class Vexil {
   void readVariableBounds(std::istream& in, std::int64_t n);
   void classifyVariables();
   void appendMark(std::string& text, std::int64_t j) const;
-};
 
-extern template class Vexil<dbl_t>;
-extern template class Vexil<QQ>;
+  // --- program/prepare.tcc ---
+  void removeInequation(std::int64_t i);
+  [[nodiscard]] bool hasKnownValue(std::int64_t i) const;
+  bool lowerTargetBound(const T& norm);
+
+  // --- program/normal_form.tcc, in the order of the steps ---
+  void removeFixedVariables();
+  void removeVariable(std::int64_t k, const T& value);
+  void applyDecimals();
+  void makeTargetsIntegral();
+  void makeEquationsIntegral();
+  void makeInequationsIntegral();
+  void removeDependentEquations(bool verbose);
+  void swapHalfFreeVariables(bool verbose);
+  void tightenInequations();
+  void checkEquations() const;
+  void shiftToZero();
+};
 
 }  // namespace vexil

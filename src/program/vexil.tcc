@@ -1,9 +1,7 @@
 // Vexil - exact integer optimization on lattices.
 #pragma once
 
-#include "numbers/narrowing.h"
 #include "program/vexil.h"
-#include "solutions/star.tcc"
 
 namespace vexil {
 
@@ -37,39 +35,13 @@ void Vexil<T>::reset(bool keepFileNames) {
 }
 
 template <typename T>
-template <typename S>
-void Vexil<T>::assign(const Vexil<S>& source) {
-  if constexpr (std::is_same_v<S, T>) {
-    *this = source;
-  } else {
-    const auto copy = [](const auto& from, auto& to) { convert(from, to, narrows<S, T>); };
-    optFile = source.optFile;
-    solFile = source.solFile;
-    copy(source.dt, dt);
-    copy(source.kt, kt);
-    copy(source.lrtu, lrtu);
-    copy(source.At, At);
-    tu = source.tu;
-    copy(source.atu, atu);
-    copy(source.bg, bg);
-    copy(source.lu, lu);
-    copy(source.ru, ru);
-    copy(source.Ag, Ag);
-    copy(source.Au, Au);
-    copy(source.dx, dx);
-    copy(source.lx, lx);
-    copy(source.rx, rx);
-    freedomDegrees = source.freedomDegrees;
-    copy(source.solStars, solStars);
-    copy(source.fixedVariables, fixedVariables);
-    swappedVariables = source.swappedVariables;
-    allTargetsFinite = source.allTargetsFinite;
-    sdim = source.sdim;
-    tdim = source.tdim;
-    writeEnabled = source.writeEnabled;
-    reportEnabled = source.reportEnabled;
-    starsPrepared = source.starsPrepared;
-  }
+void Vexil<T>::assign(const Vexil<dbl_t>& source) {
+  convert(source, *this);
+}
+
+template <typename T>
+void Vexil<T>::assign(const Vexil<QQ>& source) {
+  convert(source, *this);
 }
 
 }  // namespace vexil

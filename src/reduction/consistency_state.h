@@ -11,6 +11,7 @@ template <typename T, typename U>
 struct ConsistencyState {
   Lattice<T, U>* lattice = nullptr;    ///< the lattice that this is the state of
   bool transformationPresent = false;  ///< the last matrix of `TT` holds the row operations so far
+  bool consistencyForced = false;      ///< the option was switched on for one recovery
 
   explicit ConsistencyState(Lattice<T, U>& owner) : lattice(&owner) {}
 
@@ -18,6 +19,7 @@ struct ConsistencyState {
   template <typename S, typename V>
   void assign(const ConsistencyState<S, V>& source) {
     transformationPresent = source.transformationPresent;
+    consistencyForced = source.consistencyForced;
   }
 };
 

@@ -1,7 +1,7 @@
 // Vexil - exact integer optimization on lattices.
 #pragma once
 
-#include "foundation/matrix.h"
+#include "foundation/members.h"
 #include "numbers/qq_vectors.h"
 
 namespace vexil {
@@ -13,10 +13,22 @@ struct SavedDecomposition {
   Matrix<U> L;
   Matrix<U> Q;
 
-  void clear() {
-    L.clear();
-    Q.clear();
+  template <typename Self>
+  static auto members(Self& self) {
+    auto& [L, Q] = self;
+    return std::tie(L, Q);
   }
+
+  /// Becomes a copy of `source` if both of its matrices have rows, else empty.
+  void takeIfWhole(const SavedDecomposition& source) {
+    if (source.L.rowCount > 0 && source.Q.rowCount > 0) {
+      *this = source;
+    } else {
+      clear();
+    }
+  }
+
+  void clear() { clearMembers(*this); }
 };
 
 }  // namespace vexil

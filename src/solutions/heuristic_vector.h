@@ -3,9 +3,8 @@
 
 #include <limits>
 
+#include "foundation/time_vector.h"
 #include "numbers/convert.h"
-#include "numbers/narrowing.h"
-#include "solutions/time_vector.h"
 
 namespace vexil {
 
@@ -67,6 +66,12 @@ template <typename T, typename U>
   if (differ(a.maxViolation, b.maxViolation)) return less(a.maxViolation, b.maxViolation);
   if (differ(a.sumViolation, b.sumViolation)) return less(a.sumViolation, b.sumViolation);
   return less(a.euclidNorm, b.euclidNorm);
+}
+
+/// Neither is better than the other, with the failure of `isBetter`.
+template <typename T, typename U>
+[[nodiscard]] bool isEqual(const HeuristicVector<T, U>& a, const HeuristicVector<T, U>& b) {
+  return !isBetter(a, b) && !isBetter(b, a);
 }
 
 /// Copies across the arithmetics; elements and numbers go by the flags of the target. With `check`

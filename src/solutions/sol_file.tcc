@@ -10,7 +10,7 @@
 #include "foundation/file_text.h"
 #include "foundation/write_guard.h"
 #include "lattice/lattice.h"
-#include "solutions/star_check.tcc"
+#include "solutions/star_check.h"
 
 namespace vexil {
 
@@ -23,7 +23,7 @@ bool Lattice<T, U>::readStarsFromSolFile(bool stopAtFirst) {
   std::stringstream in(std::move(*text));
   Array<Star<T>>& collected = program.solStars;
   StarCheck<T> check(program);
-  bool found = false;
+  bool any = false;
   Star<T> star;
   while (in.good()) {
     if (!Star<T>::readStar(star, in)) static_cast<void>(check.isValid(star));
@@ -31,14 +31,15 @@ bool Lattice<T, U>::readStarsFromSolFile(bool stopAtFirst) {
     if (stopAtFirst) return true;
     collected.resize(collected.MN + 1, true);
     star.handOver(collected[collected.MN]);
-    found = true;
+    any = true;
   }
-  return found;
+  return any;
 }
 
 template <typename T, typename U>
-void Lattice<T, U>::writeSolFile(bool /*asTheyStand*/) {
+void Lattice<T, U>::writeSolFile(bool asTheyStand) {
   if (!this->writeEnabled) return;
+  if (!asTheyStand) sol2star();
   if (this->solFile.empty()) {
     warn("solFile is not set - solution write not possible");
     return;

@@ -9,17 +9,15 @@ namespace vexil {
 
 template <typename T>
 String Vexil<T>::starText(const Star<T>& star) const {
-  constexpr int ELEMENT_DIGITS = DIGITS - 1;
-  constexpr int FIELD_DIGITS = 6;
   constexpr const char* BAR = " | ";
   String line;
-  star.appendTo(line, ELEMENT_DIGITS);
+  star.appendTo(line, FILE_DIGITS);
   line += BAR;
-  NumberTraits<T>::append(line, star.targetNorm, FIELD_DIGITS);
+  NumberTraits<T>::append(line, star.targetNorm, REPORT_DIGITS);
   line += BAR;
-  star.targetValues.appendTo(line, FIELD_DIGITS);
+  star.targetValues.appendTo(line, REPORT_DIGITS);
   line += BAR;
-  NumberTraits<T>::append(line, star.slackNorm, FIELD_DIGITS);
+  NumberTraits<T>::append(line, star.slackNorm, REPORT_DIGITS);
   line += BAR + std::to_string(star.time) + BAR + star.paramText;
   if (!star.version.empty()) line += BAR + star.version;
   return line;

@@ -23,4 +23,7 @@ class StarCheck {
   MatrixProduct<T> targets_;
 };
 
+extern template class StarCheck<dbl_t>;
+extern template class StarCheck<QQ>;
+
 }  // namespace vexil

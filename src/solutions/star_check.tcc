@@ -80,4 +80,14 @@ T Vexil<T>::targetAndSlackNorm(const Vector<T>& values, const Vector<T>& x, T& S
   return norm;
 }
 
+template <typename T>
+T Vexil<T>::combinedValue(const Vector<T>& values) const {
+  const T infinity = NumberTraits<T>::infinity();
+  T sum{};
+  for (std::int64_t i = 1; i <= values.MN; ++i) {
+    sum += dt[i] == infinity ? T(-values[i]) : values[i];
+  }
+  return sum;
+}
+
 }  // namespace vexil

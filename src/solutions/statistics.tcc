@@ -15,16 +15,16 @@ String Lattice<T, U>::statistics() const {
   std::ostringstream out;
   if (program.tu != 0) {
     out << '\n';
-    bestTarget.writeBestTarget(out);
+    found.bestTarget.writeBestTarget(out);
     out << '\n';
   }
-  if (params.bench.current == 0 && stars.notEmpty()) {
-    out << "\nSolutions found: " << stars.MN << '\n';
+  if (params.bench.current == 0 && found.stars.notEmpty()) {
+    out << "\nSolutions found: " << found.stars.MN << '\n';
   }
-  if (stars.notEmpty()) {
+  if (found.stars.notEmpty()) {
     out << "\n{ The first solution/s was/were found after: ";
-    for (std::int64_t i = 1; i <= std::min(stars.MN, TIMES_SHOWN); ++i) {
-      writeTime(out, stars[i].time);
+    for (std::int64_t i = 1; i <= std::min(found.stars.MN, TIMES_SHOWN); ++i) {
+      writeTime(out, found.stars[i].time);
       out << ' ';
     }
     out << "}\n";

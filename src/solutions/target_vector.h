@@ -1,8 +1,8 @@
 // Vexil - exact integer optimization on lattices.
 #pragma once
 
+#include "foundation/time_vector.h"
 #include "numbers/convert.h"
-#include "solutions/time_vector.h"
 #include "solutions/write_time.h"
 
 namespace vexil {

@@ -2,12 +2,14 @@
 //
 // vexil_fuzz [--seconds N] [--seed S] [--runs N]
 //
-// Feeds changed opt and sol files to the tool and changed texts to the readers that the tool does
-// not reach, each in a process of its own. Any end is right but a crash, a hang, a report of a
-// sanitizer and a file that is changed where it should not be: then the input is kept in
+// Feeds changed opt and sol files to the tool, changed texts to the readers that the tool does not
+// reach, and random programs to the engine, each in a process of its own. Any end is right but a
+// crash, a hang, a report of a sanitizer, a file that is changed where it should not be and a star
+// of the engine that the tool does not let pass: then the input is kept in
 // fuzz-failure-<seed>/, and "--seed <seed> --runs 1" repeats it. Unless told, there are 10 seconds.
 #include <csignal>
 #include <iostream>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <regex>
@@ -16,9 +18,13 @@
 #include "foundation/matrix.h"
 #include "foundation/serializable_array.h"
 #include "frontend/abrupt_end.h"
+#include "frontend/solve_options.h"
+#include "fuzz/engine_run.h"
 #include "fuzz/mutation.h"
 #include "numbers/qq_vectors.h"
 #include "params/extended_params.h"
+#include "solutions/strict_sol_reader.h"
+#include "support/random_program.h"
 #include "support/tool_run.h"
 
 namespace vexil::fuzz {
@@ -49,6 +55,13 @@ const Texts SOL_FILES = {
     "",
 };
 
+const Texts SOLVE_OPTIONS = {"--rtime=1",
+                             "--rtime=1 --sol=0",
+                             "--rtime=1 --sol=3 --eenum=0",
+                             "--iters=2 --rtime=3",
+                             "--rtime=1 --tnorm=5 --snorm=2 --beta=2",
+                             "--rtime=1 --deep=1 --verb=2"};
+
 const Texts READER_TEXTS = {
     "[ 1 2 3 ]",
     "[ inf -inf 0.5 -7:1/3 ]",
@@ -58,6 +71,10 @@ const Texts READER_TEXTS = {
     "[\nfirst\\\nline\nsecond // c\n]",
     "--verb=2 --beta=10 /* c */ --tnorm=-7:1/3 --rtime=9223372036854775807 --bench=0.5\n",
     "--snorm=inf --deep=1 --eenum=0 --sol=-1 --sampleLimit=18446744073709551615",
+    "--sol=0 --tnorm=-1.5e3 --rtime=60 -- x.opt",
+    "[ 2 1 ] | -381 | [ 410 26 ] | 0 | 7 | --a=1 | 2.2.3\n[ 3 -1/2 ]\n[ 1e3 - .5 ] | 1e6 | [ ] | "
+    "0\n",
+    "/* c */ [ 2 ] // c\n | 0 |\n[ 5 ] | 0 | -1 | \n[ 3 ] | | [ 1 ] 0 60 | [ x | 1.2 | more\n[ ]",
 };
 
 /// The options without a lattice.
@@ -70,6 +87,45 @@ void readAndWrite(std::stringstream& in, auto&& object) {
   object.write(std::cout);
 }
 
+/// Reads stars strictly; what they are written as, which is no star without options, has to say the
+/// same again.
+void readStrictly(const std::string& text) {
+  StrictSolReader reader("x.sol", text);
+  try {
+    for (SolEntry entry, again; reader.next(entry);) {
+      if (entry.paramText.empty()) entry.paramText = "-";
+      const std::string line = joined(entry.elements, " | 0 | [ ] | 0 | ", entry.time, " | ",
+                                      entry.paramText, " | ", entry.version, "\n[ 1 ]");
+      StrictSolReader rereader("x.sol", line);
+      if (!rereader.next(again) || again.elements.MN != entry.elements.MN ||
+          !(again.elements == entry.elements) || again.time != entry.time ||
+          again.paramText != entry.paramText || again.version != entry.version ||
+          !rereader.next(again) || rereader.next(again)) {
+        std::abort();
+      }
+    }
+  } catch (const ReadException& fault) {
+    std::cout << fault.what();
+  }
+}
+
+/// Reads a command line; one that is taken gives an option line that is taken as well.
+void readCommandLine(std::istream& in) {
+  const auto wordsOf = [](std::istream& line) {
+    return std::vector<std::string>(std::istream_iterator<std::string>(line), {});
+  };
+  try {
+    const SolveOptions options = parseSolveOptions(wordsOf(in));
+    std::istringstream line(options.line + " -- x.opt");
+    if (options.action == SolveOptions::Action::SOLVE &&
+        parseSolveOptions(wordsOf(line)).line != options.line) {
+      std::abort();
+    }
+  } catch (const UsageException& fault) {
+    std::cout << fault.what();
+  }
+}
+
 /// The readers that the tool does not reach.
 const std::vector<void (*)(std::stringstream&)> READERS = {
     [](auto& in) { readAndWrite(in, SerializableArray<String>(", ", false, false)); },
@@ -78,7 +134,11 @@ const std::vector<void (*)(std::stringstream&)> READERS = {
     [](auto& in) { readAndWrite(in, Vector<dbl_t>()); },
     [](auto& in) { readAndWrite(in, Matrix<dbl_t>()); },
     [](auto& in) { readAndWrite(in, Matrix<QQ>()); },
+    [](auto& in) { readStrictly(in.str()); },
+    [](auto& in) { readCommandLine(in); },
     [](auto& in) {
+      // Powers are as large as the exponent of an option says: those stay out.
+      if (std::regex_search(in.str(), std::regex("[eE][0-9+.,/:-]"))) return;
       releaseNamesOnAbruptEnd();
       readAndWrite(in, Options());
     }};
@@ -87,13 +147,20 @@ const std::vector<void (*)(std::stringstream&)> READERS = {
 class Attempt {
  public:
   explicit Attempt(std::uint64_t seed) : seed_(seed), random_(seed) {
-    if (below(random_, 4) == 0) {
+    const std::size_t kind = below(random_, 4);
+    if (kind == 0) {
       const std::size_t reader = below(random_, READERS.size());
       std::stringstream text(mutated(READER_TEXTS, random_));
-      // Powers are as large as the exponent of an option says: those stay out.
-      if (std::regex_search(text.str(), std::regex("[eE][0-9+.,/:-]"))) text.str("[ 1 2 3 ]");
       files_ = {{"text" + std::to_string(reader), text.str()}};
       child_.emplace([&] { return READERS[reader](text), 0; });
+      return;
+    }
+    if (kind == 1) {
+      engine_ = EngineRun{below(random_, 4), below(random_, 3) == 0, below(random_, 2) == 0,
+                          static_cast<long>(below(random_, 3))};
+      files_ = {{"x.opt", support::RandomProgram(random_()).optText()}, {engine_->name(), ""}};
+      support::writeFile(folder_ / "x.opt", files_["x.opt"]);
+      child_.emplace([this] { return (*engine_)((folder_ / "x.sol").string()); });
       return;
     }
     // One of the two stays valid more often than not, so that runs get far.
@@ -103,14 +170,24 @@ class Attempt {
     };
     files_ = {{"x.opt", pick(OPT_FILES, whole == 0)}, {"x.sol", pick(SOL_FILES, whole == 1)}};
     for (const auto& [name, text] : files_) support::writeFile(folder_ / name, text);
-    child_.emplace(support::ToolRun{.folder = folder_.path(), .arguments = {"x.sol"}});
+    support::ToolRun tool{.folder = folder_.path(), .arguments = {"x.sol"}};
+    if (below(random_, 2) == 0) {
+      solves_ = true;
+      tool.program = VEXIL_SOLVE_TOOL;
+      std::istringstream words(SOLVE_OPTIONS[below(random_, SOLVE_OPTIONS.size())]);
+      tool.arguments.insert(tool.arguments.begin(), std::istream_iterator<std::string>(words), {});
+    }
+    child_.emplace(tool);
   }
 
   /// Waits for the end; true if it was a right one.
   bool finish(std::map<std::string, int>& ends) {
     const auto end = child_->finish(std::chrono::seconds(10));
-    const std::string fault = faultOf(end);
-    ++ends[end.signal != 0 ? "exceptions" : end.status != 0 ? "failures" : "full runs"];
+    const std::string fault = engine_ ? faultOfEngine(end) : faultOf(end);
+    ++ends[engine_           ? "engine runs"
+           : end.signal != 0 ? "exceptions"
+           : end.status != 0 ? "failures"
+                             : "full runs"];
     if (fault.empty()) return true;
     const std::filesystem::path kept = "fuzz-failure-" + std::to_string(seed_);
     std::cout << "seed " << seed_ << ": " << fault << "; status " << end.status << ", signal "
@@ -131,6 +208,7 @@ class Attempt {
         end.err.starts_with("terminate called after throwing an instance of 'vexil::") &&
         end.err.find("Exception'\n") != end.err.npos && end.err.find("Sanitizer") == end.err.npos;
     if (end.timedOut) return "no end within the time limit";
+    if (solves_) return faultOfSearch(end);
     if (!failed && !threw && !(end.status == 0 && end.err.empty())) return "a wrong end";
     if (!support::semaphoreNames(end.pid).empty()) return "semaphores are left";
     // A star that the check has passed over may lack values; the report is behind the write.
@@ -142,10 +220,37 @@ class Attempt {
     return "";
   }
 
+  /// The solver program gives an answer or one reason, and then has left the files alone.
+  [[nodiscard]] std::string faultOfSearch(const support::ChildEnd& end) const {
+    const bool failed = end.status == 1 && end.err.find("\n*** FAIL: ") != end.err.npos &&
+                        end.err.find("Sanitizer") == end.err.npos;
+    const bool answered = end.status == 0 || end.status == 2;
+    if (!failed && !(answered && end.out.find(": ") != end.out.npos)) return "a wrong end";
+    if (support::readFile(folder_ / "x.opt") != files_.at("x.opt")) return "x.opt has changed";
+    if (failed && support::readFile(folder_ / "x.sol") != files_.at("x.sol")) {
+      return "x.sol has changed";
+    }
+    return "";
+  }
+
+  /// The engine may also end by the signal that it raises, with a lost precision, and with
+  /// warnings.
+  [[nodiscard]] std::string faultOfEngine(const support::ChildEnd& end) const {
+    const bool failed = end.status == 1 && end.err.find("\n*** FAIL: ") != end.err.npos;
+    if (end.timedOut) return "no end within the time limit";
+    if (!failed && end.status != 0 && end.status != 3 && end.signal != SIGTERM) {
+      return "a wrong end";
+    }
+    if (!support::semaphoreNames(end.pid).empty()) return "semaphores are left";
+    return starFault((folder_ / "x.sol").string(), engine_->force1 || engine_->force2);
+  }
+
   std::uint64_t seed_;
+  bool solves_ = false;
   Random random_;
   support::TemporaryFolder folder_;
   std::map<std::string, std::string> files_;
+  std::optional<EngineRun> engine_;
   std::optional<support::Child> child_;
 };
 

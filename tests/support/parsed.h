@@ -8,6 +8,15 @@
 
 namespace vexil {
 
+/// The values one behind the other, parted by blanks.
+template <typename First, typename... Others>
+std::string words(const First& first, const Others&... others) {
+  std::ostringstream text;
+  text << first;
+  ((text << ' ' << others), ...);
+  return text.str();
+}
+
 /// The vector or matrix of a text.
 template <typename Container>
 Container parsed(const std::string& text) {

@@ -118,7 +118,7 @@ ChildEnd Child::finish(std::chrono::milliseconds limit) {
 
 /// The file is opened ahead of `prepare`, which may take the right to reach it away.
 int ToolRun::operator()() const {
-  const int tool = open(VEXIL_TOOL, O_RDONLY | O_CLOEXEC);
+  const int tool = open(program.c_str(), O_RDONLY | O_CLOEXEC);
   std::vector<const char*> words = {firstWord.c_str()};
   for (const std::string& argument : arguments) words.push_back(argument.c_str());
   words.push_back(nullptr);

@@ -69,12 +69,13 @@ class Child {
   std::array<int, 2> streams_{};  ///< where its output and its errors are read
 };
 
-/// A run of the tool.
+/// A run of the tool, or of another program of the project.
 struct ToolRun {
   std::filesystem::path folder;             ///< where it runs
   std::vector<std::string> arguments = {};  ///< the command line behind the program's name
   std::string firstWord = "vexil";          ///< the program's name
   std::function<void()> prepare = [] {};    ///< runs in the child, ahead of the tool
+  std::string program = VEXIL_TOOL;         ///< its path
 
   [[nodiscard]] int operator()() const;  ///< to be the body of a `Child`
 };

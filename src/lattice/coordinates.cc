@@ -1,0 +1,4 @@
+// Vexil - exact integer optimization on lattices.
+#include "lattice/coordinates.tcc"
+
+#include "lattice/instantiate.h"

@@ -1,0 +1,4 @@
+// Vexil - exact integer optimization on lattices.
+#include "solutions/collections.tcc"
+
+#include "lattice/instantiate.h"

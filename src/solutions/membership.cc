@@ -1,0 +1,218 @@
+// Vexil - exact integer optimization on lattices.
+#include "solutions/membership.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+#include "program/elimination.h"
+
+namespace vexil {
+
+namespace {
+
+using prime_field::Residue;
+
+constexpr auto MODULUS = static_cast<dbl_t>(prime_field::PRIME);
+
+/// The magnitude of a whole number, rounded up a little; +inf for any other number.
+dbl_t wholeMagnitude(const QQ& x) {
+  if (x.isInf || !isZero(x.zaehler)) return INF_F;
+  if (limbCount(x.ganze) > WORD_LIMBS) return INF_F;
+  return static_cast<dbl_t>(toWord(x.ganze));
+}
+
+dbl_t wholeMagnitude(dbl_t x) { return std::trunc(x) == x ? std::fabs(x) : INF_F; }
+
+const QQ& exactNumber(const QQ& x) { return x; }
+
+QQ exactNumber(dbl_t x) {
+  constexpr dbl_t WORD = 4e18L;
+  return wholeMagnitude(x) < WORD ? QQ(static_cast<long>(x)) : QQ(x);
+}
+
+template <typename T>
+Vector<QQ> exactVector(const Vector<T>& v) {
+  Vector<QQ> result;
+  for (const T& element : v.elements()) result.append(exactNumber(element));
+  return result;
+}
+
+}  // namespace
+
+void SparseColumns::clear() {
+  terms_.clear();
+  ends_.clear();
+}
+
+Residue SparseColumns::product(std::size_t j, const std::vector<Residue>& x) const {
+  const std::size_t end = ends_[j];
+  DoubleWord sum = 0;
+  for (std::size_t k = j == 0 ? 0 : ends_[j - 1]; k < end;) {
+    const std::size_t stop = std::min(end, k + prime_field::SUMMANDS);
+    for (; k < stop; ++k) sum += static_cast<DoubleWord>(terms_[k].value) * x[terms_[k].row];
+    sum = prime_field::reduced(sum);
+  }
+  return static_cast<Residue>(sum);
+}
+
+template <typename T>
+void Membership<T>::build(const Matrix<T>& rows) {
+  built_ = true;
+  isExact_ = takeExactly(rows);
+  isInverted_ = isExact_ && invert();
+  if (isExact_ && !isInverted_) {
+    makeIndependent();
+    isInverted_ = invert();
+  }
+}
+
+/// Tells whether the rows can be had exactly.
+template <typename T>
+bool Membership<T>::takeExactly(const Matrix<T>& rows) {
+  exact_.clear();
+  if constexpr (std::is_same_v<T, QQ>) {
+    exact_ = rows;
+  } else {
+    for (const Vector<T>& row : rows.elements()) {
+      for (const T x : row.elements()) {
+        if (std::isinf(wholeMagnitude(x))) return rounded_ = rows, false;
+      }
+    }
+    for (const Vector<T>& row : rows.elements()) exact_.appendRow(exactVector(row));
+  }
+  return true;
+}
+
+/// Finds independent columns and inverts them by the elimination of Gauss and Jordan, sparse
+/// columns first; false if there are fewer than rows.
+template <typename T>
+bool Membership<T>::invert() {
+  using prime_field::difference;
+  using prime_field::inverse;
+  using prime_field::product;
+  using prime_field::residue;
+  const auto m = static_cast<std::size_t>(exact_.rowCount);
+  const auto n = static_cast<std::size_t>(exact_.columnCount);
+  std::vector<std::vector<Residue>> work(m, std::vector<Residue>(n + m));
+  std::vector<std::size_t> nonZeros(n);
+  greatestColumn_ = 0;
+  for (std::size_t j = 0; j < n; ++j) {
+    dbl_t sum = 0;
+    for (std::size_t i = 0; i < m; ++i) {
+      const QQ& x = exact_.rows[i + 1].data[j + 1];
+      const auto value = residue(x);
+      if (!value) return false;
+      work[i][j] = *value;
+      nonZeros[j] += *value != 0 ? 1 : 0;
+      sum += wholeMagnitude(x);
+    }
+    greatestColumn_ = std::max(greatestColumn_, sum);
+  }
+  const auto original = work;
+  for (std::size_t i = 0; i < m; ++i) work[i][n + i] = 1;
+
+  std::vector<std::size_t> order(n);
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::stable_sort(order.begin(), order.end(),
+                   [&](std::size_t a, std::size_t b) { return nonZeros[a] < nonZeros[b]; });
+  pivots_.clear();
+  otherIndex_.clear();
+  for (const std::size_t j : order) {
+    const std::size_t rank = pivots_.size();
+    std::size_t pivot = rank;
+    while (pivot < m && work[pivot][j] == 0) ++pivot;
+    if (pivot == m) {
+      otherIndex_.push_back(j);
+      continue;
+    }
+    std::swap(work[rank], work[pivot]);
+    pivots_.push_back(j);
+    const Residue scale = inverse(work[rank][j]);
+    for (Residue& x : work[rank]) x = product(x, scale);
+    for (std::size_t i = 0; i < m; ++i) {
+      const Residue factor = work[i][j];
+      if (i == rank || factor == 0) continue;
+      for (std::size_t k = 0; k < n + m; ++k) {
+        if (work[rank][k] != 0) work[i][k] = difference(work[i][k], work[rank][k], factor);
+      }
+    }
+  }
+  if (pivots_.size() < m) return false;
+  inverse_.clear();
+  for (std::size_t i = 0; i < m; ++i) {
+    inverse_.append(m, [&](std::size_t p) { return work[p][n + i]; });
+  }
+  others_.clear();
+  for (const std::size_t j : otherIndex_) {
+    others_.append(m, [&](std::size_t i) { return original[i][j]; });
+  }
+  values_.resize(m);
+  coordinates_.resize(m);
+  return true;
+}
+
+/// Rows that span the same lattice, in echelon form.
+template <typename T>
+void Membership<T>::makeIndependent() {
+  std::int64_t left = exact_.rowCount;
+  for (std::int64_t j = 1; j <= exact_.columnCount && left > 0; ++j) {
+    const std::int64_t pivot = euclidColumnStep<QQ>(exact_, left, j, nullptr);
+    if (pivot > 0) exact_.swapRows(pivot, left--);
+  }
+  for (; left > 0; --left) exact_.removeRow(left);
+}
+
+template <typename T>
+typename Membership<T>::Verdict Membership<T>::decideByResidues(const Vector<T>& v) {
+  using prime_field::leastInteger;
+  using prime_field::residue;
+  if (!isInverted_) return Verdict::OPEN;
+  dbl_t greatest = 0;
+  for (const T& x : v.elements()) greatest = std::max(greatest, wholeMagnitude(x));
+  const auto valueAt = [&](std::size_t j) { return residue(v.data[j + 1]); };
+  for (std::size_t p = 0; p < pivots_.size(); ++p) {
+    const auto value = valueAt(pivots_[p]);
+    if (!value) return Verdict::OPEN;
+    values_[p] = *value;
+  }
+  dbl_t greatestCoordinate = 0;
+  for (std::size_t i = 0; i < coordinates_.size(); ++i) {
+    coordinates_[i] = inverse_.product(i, values_);
+    greatestCoordinate =
+        std::max(greatestCoordinate, std::fabs(static_cast<dbl_t>(leastInteger(coordinates_[i]))));
+  }
+  for (std::size_t k = 0; k < otherIndex_.size(); ++k) {
+    const auto value = valueAt(otherIndex_[k]);
+    if (!value) return Verdict::OPEN;
+    if (others_.product(k, coordinates_) != *value) return Verdict::NO;
+  }
+  constexpr dbl_t MARGIN = 2;  // for the rounding of the bound itself
+  return MARGIN * (greatestCoordinate * greatestColumn_ + greatest) < MODULUS ? Verdict::YES
+                                                                              : Verdict::OPEN;
+}
+
+template <typename T>
+bool Membership<T>::solvesExactly(const Vector<T>& v) const {
+  const Vector<QQ> wanted = exactVector(v);
+  Vector<QQ> x;
+  for (const Residue coordinate : coordinates_) x.append(QQ(prime_field::leastInteger(coordinate)));
+  if (isInverted_ && (x * exact_).equalsExactly(wanted)) return true;
+  return solveRowCoordinates<QQ>(exact_, wanted, x, true);
+}
+
+template <typename T>
+bool Membership<T>::contains(const Vector<T>& v) {
+  if (!isExact_) {
+    Vector<T> x;
+    return solveRowCoordinates<T>(rounded_, v, x, true);
+  }
+  if (v.MN != exact_.columnCount) return false;
+  const Verdict verdict = decideByResidues(v);
+  return verdict == Verdict::OPEN ? solvesExactly(v) : verdict == Verdict::YES;
+}
+
+template class Membership<dbl_t>;
+template class Membership<QQ>;
+
+}  // namespace vexil

@@ -1,0 +1,201 @@
+// Vexil - exact integer optimization on lattices.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <numeric>
+
+#include "lattice/lattice.h"
+#include "numbers/divisors.h"
+#include "numbers/number_cases.h"
+#include "support/random_programs.h"
+
+namespace vexil {
+namespace {
+
+using testing::ExitedWithCode;
+
+template <typename T>
+class Embeddings : public testing::Test {
+ protected:
+  static Lattice<T, T> built(const OptText& opt, const std::string& form, bool equationsOnly) {
+    Lattice<T, T> lattice;
+    lattice.program.assign(programOf<T>(opt.text()));
+    lattice.prepare(form[0] == 't', form[1] == 't');
+    lattice.buildBase(equationsOnly);
+    return lattice;
+  }
+
+  /// "width left" of the search for a soft width.
+  static std::string widened(const T& R, const T& right, T left) {
+    const T width = Lattice<T, T>::minimizeLcm(R, right, left);
+    return words(width, left);
+  }
+};
+using NumberTypes = testing::Types<dbl_t, QQ>;
+TYPED_TEST_SUITE(Embeddings, NumberTypes);
+
+TYPED_TEST(Embeddings, HaveACoordinateForEachRowAndVariable) {
+  const auto equations =
+      this->built({.Ag = "[ [1 1] ]", .bg = "[ 3 ]", .lx = "[ 0 0 ]", .rx = "[ 3 3 ]"}, "ff", true);
+  EXPECT_EQ(joined(equations.basis.B), "[\n[ -3 -3 -3 1 ]\n[ 1 2 0 0 ]\n[ 1 0 2 0 ]\n]");
+  EXPECT_EQ(words(equations.embedding.R, equations.embedding.maxNorm), "3 57");
+  const auto wished = this->built(
+      {.dt = "[ 7 ]", .At = "[ [1 2] ]", .lx = "[ 0 0 ]", .rx = "[ 4 4 ]"}, "ft", false);
+  EXPECT_EQ(words(wished.embedding.c, wished.embedding.r, wished.embedding.R),
+            "[ 1 1 4 4 0 ] [ 4 4 inf inf 1 ] 4");
+  const auto free = this->built(
+      {.Ag = "[ [1 1] ]", .bg = "[ 3 ]", .lx = "[ -inf 0 ]", .rx = "[ inf inf ]"}, "ff", false);
+  EXPECT_EQ(words(free.embedding.c, free.embedding.l, free.embedding.R),
+            "[ 1 1 0 ] [ -inf -1 1 ] 1");
+}
+
+TYPED_TEST(Embeddings, StartOverAtEachBuild) {
+  using T = TypeParam;
+  auto lattice =
+      this->built({.Ag = "[ [1 1] ]", .bg = "[ 3 ]", .lx = "[ 0 0 ]", .rx = "[ 3 3 ]"}, "ff", true);
+  const auto first = lattice.basis.B;
+  lattice.params.scale.set(true);
+  lattice.setWeight(1, T(100));
+  lattice.basis.transformation()[1][2] = T(5);
+  lattice.gramSchmidt.rowState[1] = 6;
+  lattice.interval_tt = 3;
+  lattice.buildBase(true);
+  EXPECT_EQ(joined(lattice.basis.B), joined(first));
+  EXPECT_EQ(joined(lattice.form.weights, lattice.embedding.r0), "[ 1 1 1 1 ][ 0 3 3 1 ]");
+  EXPECT_TRUE(lattice.basis.transformation().isIdentity());
+  EXPECT_EQ(lattice.gramSchmidt.rowState[1], 0);
+  EXPECT_EQ(lattice.interval_tt, 100);
+}
+
+TYPED_TEST(Embeddings, RefuseWidthsWithoutAScale) {
+  const std::pair<OptText, const char*> cases[] = {
+      {{.Au = "[ [1] ]", .lu = "[ 1 ]", .ru = "[ 1 ]", .lx = "[ 0 ]", .rx = "[ 3 ]"},
+       "ineq bounds error1"},
+      {{.Au = "[ [1] ]", .lu = "[ 1 ]", .ru = "[ inf ]", .lx = "[ 0 ]", .rx = "[ inf ]"},
+       "ineq bounds error1"},
+      {{.Ag = "[ [1] ]", .bg = "[ 7 ]", .lx = "[ 5 ]", .rx = "[ 10 ]"}, "sol bounds error"},
+      {{.Ag = "[ [1 1] ]", .bg = "[ 7 ]", .lx = "[ 5.5 0 ]", .rx = "[ 6.5 9 ]"},
+       "sol bounds error"},
+  };
+  for (const auto& [opt, text] : cases) {
+    EXPECT_EXIT(this->built(opt, "ff", false), ExitedWithCode(1), text);
+  }
+}
+
+TYPED_TEST(Embeddings, WidenSoftBoundsToTheNextDivisor) {
+  using T = TypeParam;
+  EXPECT_EQ(this->widened(T(1000000007), T(5), T(0)), words(T(1000000007), T(-1000000002)));
+  EXPECT_EQ(this->widened(T(12), T(2.5L), T(0)), words(T(3), T(-0.5L)));
+  EXPECT_EQ(this->widened(T(12), T(4), T(4)), "0 4");
+  for (long R = 1; R <= 60; ++R) {
+    for (long d = 1; d <= 130; ++d) {
+      // The definition: the best of all widths up to the first that divides R or is divided by it.
+      long best = d;
+      for (long e = d;; ++e) {
+        if (std::lcm(R, e) < std::lcm(R, best)) best = e;
+        if (R % e == 0 || e % R == 0) break;
+      }
+      ASSERT_EQ(this->widened(T(R), T(7), T(7 - d)), words(T(best), T(7 - best))) << R << ' ' << d;
+    }
+  }
+}
+
+TEST(Divisors, AreFoundAtOnce) {
+  const std::tuple<const char*, const char*, const char*> cases[] = {
+      {"1000000000000000000", "999999999999", "1000000000000"},
+      {"999999999999999989", "7", "999999999999999989"},   // a prime
+      {"999999874000003969", "8", "999999937"},            // the square of one
+      {"897612484786617600", "1000000000", "1000099800"},  // more divisors than any below 10^18
+      {"999999866000004473", "2", "999999929"},            // two great primes
+      {"10000000000000000000000000000000000000000", "99999999999999999997",
+       "100000000000000000000"},
+      {"10000000000000000000000000000000000000000", "5000000000000000000000000000000000000000",
+       "10000000000000000000000000000000000000000"},
+      {"10000000000000000000000000000000000000000", "1000000000000000000000000000000000000000",
+       "1250000000000000000000000000000000000000"},
+  };
+  for (const auto& [n, bound, expected] : cases) {
+    EXPECT_EQ(toString(nextDivisor(QQ(n).ganze, QQ(bound).ganze)), expected) << n << ' ' << bound;
+  }
+  // Where both neighbourhoods are empty the number itself has to do.
+  const ZZ n = QQ("10000000000000000000000000000000000000000").ganze;
+  EXPECT_EQ(nextDivisor(n, QQ("54321000000000000000").ganze), n);
+}
+
+TEST(EmbeddingGuards, NameTheValueThatOverflows) {
+  const auto message = [](const OptText& opt) {
+    Lattice<dbl_t, dbl_t> lattice;
+    lattice.program.assign(programOf<dbl_t>(opt.text()));
+    lattice.prepare(false, false);
+    return thrown([&] { lattice.buildBase(false); });
+  };
+  EXPECT_EQ(message({.Ag = "[ [1 1] ]", .bg = "[ 3 ]", .lx = "[ 0 0 ]", .rx = "[ 99991 99989 ]"}),
+            "R overflow");
+  EXPECT_EQ(message({.Au = "[ [400000000 1] ]",
+                     .lu = "[ 0 ]",
+                     .ru = "[ 500 ]",
+                     .lx = "[ 0 0 ]",
+                     .rx = "[ 1 1000 ]"}),
+            "B_save overflow2");
+}
+
+TYPED_TEST(Embeddings, MapPointsThereAndBack) {
+  using T = TypeParam;
+  for (int round = 0; round < 100 && !this->HasFailure(); ++round) {
+    const int kind = round % 4;  // 1: with slack variables, 2: fixed variables, 3: equations alone
+    const auto random =
+        RandomProgram::make(3 + below(3), 1 + below(2), below(3), kind == 1, kind == 2);
+    SCOPED_TRACE(random.opt.text());
+    auto lattice = this->built(random.opt, kind == 1 ? "ft" : "ff", kind == 3);
+    const auto& [basis, embedding] = std::tie(lattice.basis, lattice.embedding);
+    Vector<T> point, image, back;
+    convert(random.point, point, false);
+    lattice.opt2lat(point, image, false);
+    EXPECT_EQ(lattice.lat2opt(image, back, true, false), 1);
+    EXPECT_TRUE(back == point) << back;
+    EXPECT_EQ(lattice.lat2opt(-image, back, true, false), 1);
+    EXPECT_TRUE(back == point) << back;
+    EXPECT_TRUE(image >= embedding.l) << image << embedding.l;
+    EXPECT_TRUE(image <= embedding.r) << image << embedding.r;
+    // The basis describes the same embedding.
+    const std::int64_t n = lattice.rx.MN;
+    Vector<T> coordinates = vector<T>("[ 1 ]");
+    for (std::int64_t i = basis.latDim - n; i < basis.latDim; ++i) {
+      coordinates.append((image[i] + embedding.R) / (T(2) * embedding.c[i]));
+    }
+    EXPECT_TRUE(coordinates * basis.B == image) << coordinates;
+    image[basis.latDim] = T{};
+    EXPECT_EQ(lattice.lat2opt(image, back, false, true), -1);
+    EXPECT_EQ(back.MN, n);
+  }
+}
+
+TYPED_TEST(Embeddings, RefuseVectorsThatAreNone) {
+  using T = TypeParam;
+  const OptText opt = {
+      .Au = "[ [1 2] ]", .lu = "[ 3 ]", .ru = "[ inf ]", .lx = "[ 0 0 ]", .rx = "[ 4 4 ]"};
+  auto lattice = this->built(opt, "ft", true);
+  Vector<T> image;
+  const Lattice<T, T> fresh;
+  const std::pair<std::function<void()>, const char*> cases[] = {
+      {[&] { fresh.lat2opt(image, image, true, true); },
+       "lat2opt called with uninitialized check vectors!"},
+      {[&] { fresh.opt2lat(image, image, true); },
+       "opt2lat called with uninitialized check vectors!"},
+      {[&] { lattice.lat2opt({}, image, true, true); }, "lat_vec == 0"},
+      {[&] { lattice.lat2opt(vector<T>("[ 1 ]"), image, true, true); },
+       "lat_vec doesn't match lattice dimension"},
+      {[&] { lattice.opt2lat(vector<T>("[ 1 0 ]"), image, true); },
+       "slack variable insonsistency, s should be >= 0"},
+  };
+  for (const auto& [operation, text] : cases) {
+    EXPECT_EXIT(operation(), ExitedWithCode(1), text);
+  }
+  lattice.opt2lat(vector<T>("[ 1 3 ]"), image, false);
+  Vector<T> point;
+  lattice.lat2opt(image, point, false, true);
+  EXPECT_EQ(joined(point), "[ 1 3 4 ]");
+}
+
+}  // namespace
+}  // namespace vexil

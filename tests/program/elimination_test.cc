@@ -1,0 +1,207 @@
+// Vexil - exact integer optimization on lattices.
+#include "program/elimination.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <vector>
+
+#include "numbers/number_cases.h"
+#include "numbers/qq_vectors.h"
+#include "support/parsed.h"
+
+namespace vexil {
+namespace {
+
+using testing::ExitedWithCode;
+
+template <typename T>
+class Elimination : public testing::Test {};
+using NumberTypes = testing::Types<dbl_t, QQ>;
+TYPED_TEST_SUITE(Elimination, NumberTypes);
+
+template <typename T>
+std::string text(const Vector<T>& row) {
+  std::string result;
+  row.appendTo(result, FILE_DIGITS);
+  return result;
+}
+
+/// The rows on one line.
+template <typename T>
+std::string text(const Matrix<T>& M) {
+  std::string rows;
+  for (const Vector<T>& row : M.elements()) rows += text(row);
+  return rows;
+}
+
+/// Small whole numbers, of little rank now and then.
+template <typename T>
+Matrix<T> randomMatrix(std::int64_t m, std::int64_t n) {
+  Matrix<T> M;
+  M.setSize(m, n);
+  for (Vector<T>& row : M.elements()) {
+    for (T& x : row.elements()) x = T(below(13) - 6);
+  }
+  if (m > 2 && below(2) == 0) {
+    M[m] = M[1] + M[2];
+    M.swapRows(m, 1 + below(static_cast<int>(m)));
+  }
+  return M;
+}
+
+/// The rows of the lattice that the rows of M span, in Hermite form.
+template <typename T>
+std::vector<std::vector<long>> hermiteForm(const Matrix<T>& M) {
+  std::vector<std::vector<long>> rows;
+  for (const Vector<T>& row : M.elements()) {
+    auto& last = rows.emplace_back();
+    for (const T& x : row.elements()) last.push_back(static_cast<long>(numberAs<dbl_t>(x)));
+  }
+  std::size_t top = 0;
+  const auto subtract = [&](std::size_t i, long factor) {
+    for (std::size_t k = 0; k < rows[i].size(); ++k) rows[i][k] -= factor * rows[top][k];
+  };
+  for (std::size_t j = 0; top < rows.size() && j < rows[0].size(); ++j) {
+    for (std::size_t i = top + 1; i < rows.size(); ++i) {
+      while (rows[i][j] != 0) {
+        std::swap(rows[top], rows[i]);
+        subtract(i, rows[i][j] / rows[top][j]);
+      }
+    }
+    if (rows[top][j] == 0) continue;
+    if (rows[top][j] < 0) subtract(top, 2);
+    for (std::size_t i = 0; i < top; ++i) {
+      while (rows[i][j] < 0) subtract(i, -1);
+      subtract(i, rows[i][j] / rows[top][j]);
+    }
+    ++top;
+  }
+  rows.resize(top);
+  return rows;
+}
+
+TYPED_TEST(Elimination, RemovesDependentRows) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"[ ]", ""},
+      {"[ [0 0] ]", ""},
+      {"[ [0 0] [0 3] ]", "[ 0 3 ]"},
+      {"[ [2 4] [3 6] ]", "[ 1 2 ]"},
+      {"[ [4 1 1] [5 1 1] ]", "[ 4 1 1 ][ 5 1 1 ]"},
+      {"[ [2 2 0] [6 6 0] ]", "[ 2 2 0 ]"},
+      {"[ [1 2 0 0] [2 4 0 0] [1 0 -1 0] [0 1 0 -1] ]", "[ 1 2 0 0 ][ 0 1 0 -1 ][ 1 0 -1 0 ]"},
+      {"[ [1 0] [0 1] [7 9] ]", "[ 1 0 ][ 0 1 ]"},
+      {"[ [3] [2] ]", "[ 1 ]"},
+      {"[ [123456789 246913578] [370370367 740740734] ]", "[ 123456789 246913578 ]"},
+  };
+  for (const auto& [before, after] : cases) {
+    auto M = matrix<TypeParam>(before);
+    removeDependentRows(M);
+    EXPECT_EQ(text(M), after) << before;
+  }
+}
+
+TYPED_TEST(Elimination, KeepsTheLatticeOfTheRows) {
+  for (int round = 0; round < 200; ++round) {
+    const auto rows = randomMatrix<TypeParam>(1 + below(5), 1 + below(5));
+    auto M = rows;
+    removeDependentRows(M);
+    const auto expected = hermiteForm(rows);
+    ASSERT_EQ(M.rowCount, static_cast<std::int64_t>(expected.size())) << text(rows);
+    ASSERT_EQ(hermiteForm(M), expected) << text(rows);
+  }
+}
+
+TEST(EliminationOfLongNumbers, SeesEveryDependence) {
+  for (int round = 0; round < 20; ++round) {
+    Matrix<QQ> M;
+    M.setSize(3, 4);
+    for (Vector<QQ>& row : M.elements()) {
+      for (QQ& x : row.elements()) x = randomInteger(40);
+    }
+    M.appendRow(M[1] + M[2] + M[2] - M[3]);
+    const std::string independent = text(M[1]) + text(M[2]) + text(M[3]);
+    removeDependentRows(M);
+    ASSERT_EQ(text(M), independent);
+  }
+  auto parallel = matrix<QQ>("[ [1000000000 1000000001] [999999999 1000000000] ]");
+  EXPECT_EXIT(removeDependentRows(parallel), ExitedWithCode(1),
+              "Coordinates of dependent row could not be computed!");
+}
+
+TYPED_TEST(Elimination, SolvesForCoordinates) {
+  const struct {
+    const char* G;
+    const char* row;
+    bool integral;
+    const char* x;  ///< null where there is none
+  } cases[] = {
+      {"[ [2 0 1] [0 3 1] ]", "[ 4 -3 1 ]", true, "[ 2 -1 ]"},
+      {"[ [2 0 1] [0 3 1] ]", "[ 4 -3 2 ]", false, nullptr},
+      {"[ [2 0] [0 4] ]", "[ 1 2 ]", true, nullptr},
+      {"[ [0 2] [4 0] ]", "[ 1 -1 ]", false, "[ -0.5 0.25 ]"},
+      {"[ [1 1] [2 2] ]", "[ 3 3 ]", false, "[ 3 0 ]"},
+      {"[ [1 1] [2 2] ]", "[ 3 4 ]", false, nullptr},
+      {"[ [1] [2] [4] ]", "[ 5 ]", true, "[ 5 0 0 ]"},
+  };
+  for (const auto& [G, row, integral, expected] : cases) {
+    Vector<TypeParam> x;
+    const bool found =
+        solveRowCoordinates(matrix<TypeParam>(G), vector<TypeParam>(row), x, integral);
+    EXPECT_EQ(found, expected != nullptr) << G << row;
+    if (!found) continue;
+    EXPECT_EQ(text(x), text(vector<TypeParam>(expected))) << G << row;
+  }
+  Matrix<TypeParam> Lo, Up;
+  Array<long> p;
+  Vector<TypeParam> x;
+  gaussLU(matrix<TypeParam>("[ [1 2] [2 4] [-8 8] ]"), Lo, Up, p);
+  EXPECT_EQ(text(Lo) + text(Up),
+            text(matrix<TypeParam>("[ [1 0] [-0.25 1] [-0.125 0.5] ]")) + "[ -8 8 ][ 0 6 ]");
+  EXPECT_EQ(gaussSolve(Lo, Up, p, vector<TypeParam>("[ 5 10 8 ]"), x, true, false), 1);
+  EXPECT_EQ(text(x), "[ 1 2 ]");
+  gaussLU(matrix<TypeParam>("[ [1 1] [1 1] ]"), Lo, Up, p);
+  EXPECT_EQ(gaussSolve(Lo, Up, p, vector<TypeParam>("[ 1 1 ]"), x, true, false), 0);
+}
+
+TYPED_TEST(Elimination, StepsDownAColumn) {
+  auto M = matrix<TypeParam>("[ [7 6] [1 -4] [5 9] [9 1] ]");
+  Matrix<TypeParam> followed;
+  followed.setIdentity(4);
+  const auto start = M;
+  EXPECT_EQ(euclidColumnStep(M, 3, 2, &followed), 3);
+  EXPECT_EQ(text(followed * start), text(M));
+  EXPECT_EQ(text(M.transposed()[2]), "[ 0 0 -1 1 ]");
+  EXPECT_EQ(text(M[4]), "[ 9 1 ]");
+  auto zeros = matrix<TypeParam>("[ [1 0] [2 0] ]");
+  EXPECT_EQ(euclidColumnStep<TypeParam>(zeros, 2, 2, nullptr), 0);
+}
+
+TEST(EliminationGuards, NameTheValueThatOverflows) {
+  const auto message = [](const char* rows) {
+    auto M = matrix<dbl_t>(rows);
+    auto followed = matrix<dbl_t>("[ [1e9 1] [1 0] ]");
+    return thrown([&] { euclidColumnStep(M, 2, 2, &followed); });
+  };
+  EXPECT_EQ(message("[ [1 1] [1 5000000000] ]"), "factor overflow");
+  EXPECT_EQ(message("[ [600000000 1] [1 3] ]"), "row overflow");
+  EXPECT_EQ(message("[ [1 1] [1 3] ]"), "T->row overflow");
+  EXPECT_FALSE(limitProducts);
+}
+
+TYPED_TEST(Elimination, KnowsUnimodularMatrices) {
+  const std::pair<const char*, bool> cases[] = {{"[ [0 1] [1 5] ]", true},
+                                                {"[ [1.05 0] [7 1] ]", true},
+                                                {"[ [1.2 0] [7 1] ]", false},
+                                                {"[ [2 4] [1 2] ]", false}};
+  TypeParam determinant;
+  for (const auto& [M, expected] : cases) {
+    EXPECT_EQ(isUnimodular(matrix<TypeParam>(M), determinant), expected) << M;
+  }
+  EXPECT_TRUE(determinant == TypeParam{});
+  EXPECT_FALSE(isUnimodular(matrix<TypeParam>("[ [0 3] [1 0] ]"), determinant));
+  EXPECT_TRUE(determinant == TypeParam(3));
+}
+
+}  // namespace
+}  // namespace vexil

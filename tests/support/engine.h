@@ -1,0 +1,54 @@
+// Vexil - exact integer optimization on lattices.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+
+#include "lattice/lattice.h"
+#include "support/pairs.h"
+#include "support/parsed.h"
+#include "support/tool_run.h"
+
+namespace vexil {
+
+/// A generated lattice on the program of an opt text, with its files in a folder of its own. It
+/// does not end with its first star.
+template <typename Pair>
+struct Engine {
+  using T = typename Pair::T;
+
+  support::TemporaryFolder folder;
+  Vexil<T> original;  ///< the program as the text has it
+  Lattice<T, typename Pair::U> lattice;
+
+  explicit Engine(const std::string& opt, bool force1 = false, bool force2 = false) {
+    support::writeFile(folder / "x.opt", opt);
+    lattice.setFileNames((folder / "x.sol").string());
+    lattice.program.readOptFile();
+    original = lattice.program;
+    lattice.params.sol.current = 0;
+    lattice.prepare(force1, force2);
+    lattice.generate();
+  }
+
+  [[nodiscard]] Vector<T> latticeVector(const Vector<T>& point) const {
+    Vector<T> result;
+    lattice.opt2lat(point, result, false);
+    return result;
+  }
+
+  /// The points of the accepted stars.
+  [[nodiscard]] std::set<std::string> starPoints() const {
+    std::set<std::string> points;
+    for (const auto& star : lattice.found.stars.elements()) {
+      Vector<T> x;
+      EXPECT_EQ(lattice.lat2opt(star, x, true, false), 1);
+      points.insert(joined(x));
+    }
+    return points;
+  }
+};
+
+}  // namespace vexil
