@@ -11,7 +11,7 @@
 
 #include "frontend/run.h"
 #include "frontend/ylattice.h"
-#include "solutions/star.tcc"
+#include "program/star.h"
 
 namespace vexil {
 namespace {

@@ -1,0 +1,270 @@
+// Vexil - exact integer optimization on lattices.
+#include "solver/lattice_search.h"
+
+#include <algorithm>
+
+#include "solver/ranges.h"
+
+namespace vexil::solver {
+namespace {
+
+constexpr std::int64_t FIRST_BUDGET = std::int64_t{1} << 22;
+
+template <typename Z>
+Z greatestDivisor(Z a, Z b) {
+  if constexpr (std::is_same_v<Z, ZZ>) {
+    return gcd(a, b);
+  } else {
+    a = a < 0 ? -a : a;
+    b = b < 0 ? -b : b;
+    while (b != 0) {
+      const Z rest = a % b;
+      a = b;
+      b = rest;
+    }
+    return a;
+  }
+}
+
+/// The side at a proved bound of an item, and whether it is further in than the one before.
+bool narrowSide(Side& side, const ZZ& value, bool isLower, bool artificial) {
+  if (side.finite && (isLower ? value <= side.value : value >= side.value)) return false;
+  side = {true, artificial, value};
+  return true;
+}
+
+bool anyArtificial(const Model& model) {
+  const auto artificial = [](const Side& side) { return side.artificial; };
+  const auto ofRow = [&](const ModelRow& row) {
+    return artificial(row.lower) || artificial(row.upper);
+  };
+  return std::any_of(model.lower.begin(), model.lower.end(), artificial) ||
+         std::any_of(model.upper.begin(), model.upper.end(), artificial) ||
+         std::any_of(model.rows.begin(), model.rows.end(), ofRow);
+}
+
+/// What is left to do, judged by what was done.
+double restOf(std::int64_t work, double progress) {
+  constexpr double LEAST_PROGRESS = 1e-15;
+  const double done = std::max(progress, LEAST_PROGRESS);
+  return static_cast<double>(work) * (1 - done) / done;
+}
+
+}  // namespace
+
+template <typename Z>
+LatticeSearch<Z>::LatticeSearch(Model& searched, const LatticeBasis& latticeBasis,
+                                const Settings& searchSettings, Incumbent& points,
+                                StopToken& stopToken, Progress& searchProgress,
+                                Listener& searchListener)
+    : model(searched),
+      basis(latticeBasis),
+      settings(searchSettings),
+      incumbent(points),
+      stop(stopToken),
+      progress(searchProgress),
+      listener(searchListener),
+      forms(formSystem<Z>(searched, latticeBasis)),
+      earlierWork(searchProgress.work) {
+  findStep();
+  lowerCut();
+}
+
+/// With |t| = t - 2 min(t, 0) the objective is its linear part plus all t, less even multiples of
+/// them: what divides these on the whole lattice is a step of the objective.
+template <typename Z>
+void LatticeSearch<Z>::findStep() {
+  if (!forms.hasObjective) return;
+  Z divisor = 0;
+  Z constant = forms.objectiveOffset;
+  std::vector<Z> linear = forms.objective;
+  for (std::size_t f = 0; f < forms.count; ++f) {
+    if (forms.kind[f] != FormKind::Goal) continue;
+    constant = constant + forms.offset[f];
+    divisor = greatestDivisor<Z>(divisor, forms.offset[f] + forms.offset[f]);
+    for (std::size_t k = 0; k < forms.dimension; ++k) {
+      const Z& y = forms.entry(k, f);
+      linear[k] = linear[k] + y;
+      divisor = greatestDivisor<Z>(divisor, y + y);
+    }
+  }
+  for (const Z& c : linear) divisor = greatestDivisor<Z>(divisor, c);
+  this->step = divisor;
+  this->residue = constant;
+}
+
+/// The cut below the best norm, or at the limit of wanted norms.
+template <typename Z>
+void LatticeSearch<Z>::lowerCut() {
+  if (incumbent.enough()) this->finished = true;
+  if (!forms.hasObjective) return;
+  ZZ greatest;
+  if (incumbent.collects()) {
+    if (!settings.targetLimit) return;
+    const QQ scaled = *settings.targetLimit * QQ(model.scale);
+    greatest = scaled.positive || isZero(scaled.zaehler) ? wholeSigned(scaled)
+                                                         : wholeSigned(scaled) - ZZ(1);
+  } else {
+    if (!incumbent.best()) return;
+    greatest = wholeSigned(*incumbent.best() * QQ(model.scale)) - ZZ(1);
+  }
+  const ZZ offset = greatest - toZZ(this->residue);
+  if (signOf(this->step) == 0) {
+    if (signOf(offset) < 0) this->finished = true;
+    return;
+  }
+  const ZZ unit = toZZ(this->step);
+  greatest = toZZ(this->residue) + floorDivide<ZZ>(offset, unit) * unit;
+  if constexpr (!std::is_same_v<Z, ZZ>) {
+    if (!isNarrow(greatest)) {
+      // All objective values are narrow: either each of them is below the cut or none is.
+      if (!greatest.positive) this->finished = true;
+      return;
+    }
+  }
+  const Z value = fromZZ<Z>(greatest);
+  if (!this->hasCut || value < this->cut) {
+    this->hasCut = true;
+    this->cut = value;
+  }
+  if (this->hasBound && this->bound > this->cut) this->finished = true;
+}
+
+template <typename Z>
+bool LatticeSearch<Z>::offer(const FormSystem<Z>& system, const std::vector<Z>& values) {
+  std::vector<ZZ> X = basis.x0;
+  for (std::size_t f = 0; f < system.count; ++f) {
+    if (system.kind[f] == FormKind::Variable) X[system.source[f]] = toZZ(values[f]);
+  }
+  if (!incumbent.take(programPoint(model, X))) return false;
+  lowerCut();
+  return true;
+}
+
+/// Writes the root's bounds into the model; true if something became one point wide.
+template <typename Z>
+bool LatticeSearch<Z>::exportSides(const Relaxation<Z>& relaxation) {
+  const bool artificial = anyArtificial(model);
+  bool fixed = false;
+  for (std::size_t f = 0; f < forms.count; ++f) {
+    if (forms.kind[f] == FormKind::Goal) continue;
+    const bool isVariable = forms.kind[f] == FormKind::Variable;
+    const std::size_t source = forms.source[f];
+    Side& lower = isVariable ? model.lower[source] : model.rows[source].lower;
+    Side& upper = isVariable ? model.upper[source] : model.rows[source].upper;
+    const bool low = narrowSide(lower, toZZ(relaxation.lower(f)), true, artificial);
+    const bool high = narrowSide(upper, toZZ(relaxation.upper(f)), false, artificial);
+    fixed = fixed || ((low || high) && lower.value == upper.value);
+  }
+  return fixed;
+}
+
+template <typename Z>
+void LatticeSearch<Z>::setBound() {
+  if (incumbent.collects() || !this->hasBound) return;
+  const QQ norm = QQ(toZZ(this->bound), model.scale);
+  if (!progress.bound || norm > *progress.bound) progress.bound = norm;
+}
+
+template <typename Z>
+void LatticeSearch<Z>::report(const char* phase) {
+  progress.phase = phase;
+  progress.best = incumbent.best();
+  progress.points = incumbent.points();
+  progress.work = earlierWork + rootWork + this->work;
+  setBound();
+  listener.progress(progress);
+}
+
+template <typename Z>
+LatticeEnd LatticeSearch<Z>::run(bool mayNarrow) {
+  if (this->finished) return LatticeEnd::Exhausted;
+  for (std::size_t f = 0; f < forms.count; ++f) {
+    if (forms.lower[f] > forms.upper[f]) return LatticeEnd::Exhausted;
+  }
+  const std::optional<CoordinateRanges<Z>> ranges = coordinateRanges(forms);
+  if (!ranges) return LatticeEnd::Unusable;
+  const ItemSystem<Z> items = itemSystem(forms, *ranges);
+  Relaxation<Z> relaxation(forms, items, *this);
+  report("root");
+  const NodeState root = tightenRoot(forms, relaxation, *this, stop);
+  rootWork = relaxation.work();
+  if (root == NodeState::Empty) return LatticeEnd::Exhausted;
+  if (items.objective != NONE) this->raiseBound(relaxation.lower(items.objective));
+  if (mayNarrow && exportSides(relaxation)) return LatticeEnd::Narrowed;
+  return searchRounds(relaxation);
+}
+
+/// The enumeration of one lattice on a basis of its own, reduced more strongly.
+template <typename Z>
+struct LatticeSearch<Z>::Enumerator {
+  FormSystem<Z> forms;
+  CoordinateRanges<Z> ranges;
+  std::unique_ptr<Enumeration<Z>> search;
+  std::int64_t work = 0;
+};
+
+template <typename Z>
+std::unique_ptr<typename LatticeSearch<Z>::Enumerator> LatticeSearch<Z>::makeEnumerator() {
+  LatticeBasis reduced = basis;
+  report("reduction");
+  reduce(reduced, model, settings.blockSize, settings.deep, stop);
+  if (isNarrowSystem(model, reduced) != !std::is_same_v<Z, ZZ>) return nullptr;
+  auto enumerator = std::make_unique<Enumerator>();
+  enumerator->forms = formSystem<Z>(model, reduced);
+  std::optional<CoordinateRanges<Z>> ranges = coordinateRanges(enumerator->forms);
+  if (!ranges) return nullptr;
+  enumerator->ranges = std::move(*ranges);
+  enumerator->search =
+      std::make_unique<Enumeration<Z>>(enumerator->forms, enumerator->ranges, *this, stop);
+  return enumerator;
+}
+
+/// Rounds of doubled budgets. Each search resumes; the one that seems to have more than four times
+/// as much before it gets an eighth.
+template <typename Z>
+LatticeEnd LatticeSearch<Z>::searchRounds(Relaxation<Z>& relaxation) {
+  Tree<Z> tree(forms, relaxation, *this, stop);
+  std::unique_ptr<Enumerator> enumerator;
+  bool enumerates = settings.enumeration && (forms.ordered || !settings.tree);
+  std::int64_t treeWork = 0;
+  std::int64_t budget = FIRST_BUDGET;
+  for (std::int64_t round = 0; settings.rounds < 0 || round < settings.rounds; ++round) {
+    std::int64_t treeBudget = settings.tree || !enumerates ? budget : 0;
+    std::int64_t enumerationBudget = enumerates ? budget : 0;
+    if (enumerator && treeBudget > 0) {
+      const double treeRest = restOf(treeWork, tree.progress());
+      const double enumerationRest = restOf(enumerator->work, enumerator->search->progress());
+      if (treeRest > 4 * enumerationRest) treeBudget /= 8;
+      if (enumerationRest > 4 * treeRest) enumerationBudget /= 8;
+    }
+    if (treeBudget > 0) {
+      report("tree");
+      const std::int64_t before = this->work;
+      const RunEnd end = tree.run(treeBudget);
+      treeWork += this->work - before;
+      progress.treeNodes = tree.nodes();
+      if (end == RunEnd::Exhausted) return LatticeEnd::Exhausted;
+    }
+    if (enumerationBudget > 0) {
+      if (!enumerator) enumerator = makeEnumerator();
+      enumerates = enumerator != nullptr;
+      if (!enumerates) continue;
+      report("enumeration");
+      const std::int64_t before = this->work;
+      const RunEnd end = enumerator->search->run(enumerationBudget);
+      enumerator->work += this->work - before;
+      progress.enumerationNodes = enumerator->search->nodes();
+      if (end == RunEnd::Exhausted) return LatticeEnd::Exhausted;
+      enumerates = end != RunEnd::Unusable;
+      if (!enumerates) enumerator.reset();
+    }
+    budget *= 2;
+  }
+  return LatticeEnd::OutOfRounds;
+}
+
+template class LatticeSearch<std::int64_t>;
+template class LatticeSearch<ZZ>;
+
+}  // namespace vexil::solver

@@ -1,0 +1,63 @@
+// Vexil - exact integer optimization on lattices.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "solver/basis.h"
+#include "solver/enumeration.h"
+#include "solver/incumbent.h"
+#include "solver/root.h"
+#include "solver/tree.h"
+
+namespace vexil::solver {
+
+/// How the search of one lattice ended.
+enum class LatticeEnd : std::uint8_t {
+  Exhausted,  ///< proved: no wanted point is left, or enough were found
+  Narrowed,   ///< the root narrowed the model to another lattice
+  OutOfRounds,
+  Unusable  ///< the numbers of this lattice are beyond floating arithmetic
+};
+
+/// The search of the points of one lattice: the root, then rounds of the tree and the enumeration.
+template <typename Z>
+class LatticeSearch : public SearchState<Z> {
+ public:
+  /// All but `settings` are kept by reference. `searched` is narrowed by the root.
+  LatticeSearch(Model& searched, const LatticeBasis& latticeBasis, const Settings& searchSettings,
+                Incumbent& points, StopToken& stopToken, Progress& searchProgress,
+                Listener& searchListener);
+
+  [[nodiscard]] LatticeEnd run(bool mayNarrow);
+
+  bool offer(const FormSystem<Z>& system, const std::vector<Z>& values) override;
+
+ private:
+  void findStep();
+  void lowerCut();
+  [[nodiscard]] bool exportSides(const Relaxation<Z>& relaxation);
+  [[nodiscard]] LatticeEnd searchRounds(Relaxation<Z>& relaxation);
+  struct Enumerator;
+  [[nodiscard]] std::unique_ptr<Enumerator> makeEnumerator();
+  void report(const char* phase);
+  void setBound();
+
+  Model& model;
+  const LatticeBasis& basis;
+  const Settings& settings;
+  Incumbent& incumbent;
+  StopToken& stop;
+  Progress& progress;
+  Listener& listener;
+  FormSystem<Z> forms;
+  std::int64_t earlierWork = 0;
+  std::int64_t rootWork = 0;
+};
+
+extern template class LatticeSearch<std::int64_t>;
+extern template class LatticeSearch<ZZ>;
+
+}  // namespace vexil::solver

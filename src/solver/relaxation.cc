@@ -1,0 +1,208 @@
+// Vexil - exact integer optimization on lattices.
+#include "solver/relaxation.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace vexil::solver {
+namespace {
+
+constexpr double NEARLY_INTEGRAL = 1e-6;
+constexpr int PIVOTS_PER_COLUMN = 4;
+constexpr int PIVOTS_AT_LEAST = 100;
+
+}  // namespace
+
+template <typename Z>
+Relaxation<Z>::Relaxation(const FormSystem<Z>& formSystem, const ItemSystem<Z>& itemSystem,
+                          SearchState<Z>& searchState)
+    : forms(formSystem),
+      system(itemSystem),
+      state(searchState),
+      boxes{itemSystem.lower, itemSystem.upper},
+      prover(system, boxes),
+      dictionary(itemSystem),
+      goalOf(itemSystem.count, NONE),
+      formValues(formSystem.count) {
+  for (std::size_t g = 0; g < system.goalForm.size(); ++g) goalOf[system.goalForm[g]] = g;
+  if (system.objective != NONE) dictionary.keepBasic(system.objective);
+}
+
+template <typename Z>
+void Relaxation<Z>::setBound(std::size_t item, bool isLower, const Z& value) {
+  if (isLower) {
+    boxes.lower[item] = value;
+    dictionary.setLower(item, toDouble(value));
+  } else {
+    boxes.upper[item] = value;
+    dictionary.setUpper(item, toDouble(value));
+  }
+}
+
+/// The least value of the objective on its coset that is not below `value`.
+template <typename Z>
+Z Relaxation<Z>::onCosetUpward(const Z& value) const {
+  if (signOf(state.step) == 0) return value;
+  const auto steps =
+      ceilDivide<Wide<Z>>(Wide<Z>(widen(value) - widen(state.residue)), Wide<Z>(state.step));
+  return static_cast<Z>(widen(state.residue) + steps * Wide<Z>(state.step));
+}
+
+template <typename Z>
+bool Relaxation<Z>::raiseLower(std::size_t item, const Z& value) {
+  const Z bound = item == system.objective ? onCosetUpward(value) : value;
+  if (!(bound > boxes.lower[item])) return true;
+  if (bound > boxes.upper[item]) return false;
+  trail.push_back({item, true, boxes.lower[item]});
+  setBound(item, true, bound);
+  return moveGoalSides(item);
+}
+
+template <typename Z>
+bool Relaxation<Z>::dropUpper(std::size_t item, const Z& value) {
+  if (!(value < boxes.upper[item])) return true;
+  if (value < boxes.lower[item]) return false;
+  trail.push_back({item, false, boxes.upper[item]});
+  setBound(item, false, value);
+  return moveGoalSides(item);
+}
+
+/// |t| - t is at most -2 t where t may be negative, and 0 where it may not; |t| + t alike.
+template <typename Z>
+bool Relaxation<Z>::moveGoalSides(std::size_t item) {
+  const std::size_t g = goalOf[item];
+  if (g == NONE) return true;
+  const std::size_t side = system.goalSide[g];
+  const Z low = boxes.lower[item];
+  const Z high = boxes.upper[item];
+  return dropUpper(side, signOf(low) < 0 ? Z(-low - low) : Z(0)) &&
+         dropUpper(side + 1, signOf(high) > 0 ? Z(high + high) : Z(0));
+}
+
+template <typename Z>
+void Relaxation<Z>::undo(std::size_t mark) {
+  for (; trail.size() > mark; trail.pop_back()) {
+    Move& move = trail.back();
+    setBound(move.item, move.isLower, move.old);
+  }
+}
+
+template <typename Z>
+NodeState Relaxation<Z>::followState() {
+  const std::size_t item = system.objective;
+  if (state.finished) return NodeState::Empty;
+  if (item == NONE) return NodeState::Open;
+  if (state.hasCut && !dropUpper(item, state.cut)) return NodeState::Empty;
+  if (state.hasBound && !raiseLower(item, state.bound)) return NodeState::Empty;
+  return NodeState::Open;
+}
+
+/// In doubles: the row of this item moves an integral bound, or contradicts one.
+template <typename Z>
+bool Relaxation<Z>::promises(std::size_t item) const {
+  const double* a = dictionary.row(item);
+  const std::vector<std::size_t>& others = dictionary.columnItems();
+  double least = 0;
+  double greatest = 0;
+  dictionary.reach(item, least, greatest);
+  const double low = dictionary.lower(item);
+  const double high = dictionary.upper(item);
+  const double above = high - least;
+  const double below = greatest - low;
+  const double width = high - low;
+  if (above < 0 || below < 0) return true;
+  double widest = width - NEARLY_INTEGRAL;
+  for (std::size_t j = 0; j < others.size(); ++j) {
+    const double room = dictionary.upper(others[j]) - dictionary.lower(others[j]);
+    widest = std::max(widest, std::fabs(a[j]) * (room - NEARLY_INTEGRAL));
+  }
+  return above < widest || below < widest;
+}
+
+template <typename Z>
+NodeState Relaxation<Z>::conclude(std::size_t item) {
+  const std::vector<std::size_t>& others = dictionary.columnItems();
+  ++proofCount;
+  proofWork += static_cast<std::int64_t>(others.size() * others.size());
+  if (!prover.load(item, dictionary.row(item), others.data(), others.size())) {
+    return NodeState::Open;
+  }
+  if (prover.contradicts()) return NodeState::Empty;
+  // The bounds follow from the boxes as they were; where one of them moves on the way, those of the
+  // others come out weaker, not wrong.
+  NodeState result = NodeState::Open;
+  for (std::size_t i = 0; i < prover.size(); ++i) {
+    const std::size_t moved = prover.item(i);
+    const Z low = prover.provedLower(i);
+    const Z high = prover.provedUpper(i);
+    if (!(low > boxes.lower[moved]) && !(high < boxes.upper[moved])) continue;
+    result = NodeState::Moved;
+    if (!raiseLower(moved, low) || !dropUpper(moved, high)) return NodeState::Empty;
+  }
+  return result;
+}
+
+template <typename Z>
+NodeState Relaxation<Z>::tighten() {
+  NodeState result = NodeState::Open;
+  dictionary.addWork(static_cast<std::int64_t>(dictionary.columns() * dictionary.itemCount()));
+  for (std::size_t item = 0; item < system.count; ++item) {
+    if (!dictionary.isBasic(item) || !promises(item)) continue;
+    const NodeState found = conclude(item);
+    if (found == NodeState::Empty) return found;
+    if (found == NodeState::Moved) result = found;
+  }
+  return result;
+}
+
+template <typename Z>
+NodeState Relaxation<Z>::examine(int rounds) {
+  const int limit = PIVOTS_PER_COLUMN * static_cast<int>(dictionary.columns()) + PIVOTS_AT_LEAST;
+  hasSolution = false;
+  for (int round = 0;; ++round) {
+    const LpEnd end = dictionary.solve(limit);
+    if (end == LpEnd::Infeasible) {
+      // What cannot be proved empty stays open, without a solution.
+      const NodeState found = conclude(dictionary.failing());
+      if (found != NodeState::Moved || round >= rounds) return found;
+      continue;
+    }
+    hasSolution = end == LpEnd::Optimal;
+    if (round >= rounds) return NodeState::Open;
+    const NodeState found = tighten();
+    if (found != NodeState::Moved) return found;
+    hasSolution = false;
+  }
+}
+
+template <typename Z>
+double Relaxation<Z>::coordinate(std::size_t k) const {
+  const std::size_t item = system.parameterItem[k];
+  return dictionary.value(item) - toDouble(system.offset[item]);
+}
+
+template <typename Z>
+bool Relaxation<Z>::offer(const std::vector<Z>& coordinates) {
+  std::vector<Wide<Z>> sums;
+  for (const Z& value : forms.offset) sums.push_back(widen(value));
+  Wide<Z> objective = widen(forms.objectiveOffset);
+  for (std::size_t k = 0; k < forms.dimension; ++k) {
+    if (signOf(coordinates[k]) == 0) continue;
+    for (std::size_t f = 0; f < forms.count; ++f) {
+      addProduct(sums[f], coordinates[k], forms.entry(k, f));
+    }
+    if (forms.hasObjective) addProduct(objective, coordinates[k], forms.objective[k]);
+  }
+  for (std::size_t f = 0; f < forms.count; ++f) {
+    if (sums[f] < widen(forms.lower[f]) || sums[f] > widen(forms.upper[f])) return false;
+    formValues[f] = static_cast<Z>(sums[f]);
+    if (forms.kind[f] == FormKind::Goal) objective = objective + (sums[f] < 0 ? -sums[f] : sums[f]);
+  }
+  if (state.hasCut && objective > widen(state.cut)) return false;
+  return state.offer(forms, formValues);
+}
+
+template class Relaxation<std::int64_t>;
+template class Relaxation<ZZ>;
+
+}  // namespace vexil::solver

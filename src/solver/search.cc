@@ -1,0 +1,224 @@
+// Vexil - exact integer optimization on lattices.
+#include "solver/search.h"
+
+#include "solver/basis.h"
+#include "solver/incumbent.h"
+#include "solver/kernel.h"
+#include "solver/lattice_search.h"
+#include "solver/model.h"
+#include "solver/presolve.h"
+#include "solver/unbounded.h"
+
+namespace vexil::solver {
+namespace {
+
+constexpr int MOST_LATTICES = 8;
+constexpr std::int64_t ROUNDS_OF_A_SIDE_SEARCH = 4;
+constexpr const char* IN_THE_BOX =
+    "variables without bounds were searched up to 2^20 beyond their other bound or 0";
+
+/// Keeps the one point that a search within the search is made for.
+class SideListener : public Listener {
+ public:
+  explicit SideListener(Listener& mainListener) : listener(mainListener) {}
+  void point(const Vector<QQ>& x) override { found = x; }
+  void progress(const Progress& /*progress*/) override {}
+  bool stopRequested() override { return listener.stopRequested(); }
+
+  Vector<QQ> found;
+
+ private:
+  Listener& listener;
+};
+
+class Search : public StopToken {
+ public:
+  Search(const Vexil<QQ>& inputProgram, const std::vector<Vector<QQ>>& known,
+         const Settings& searchSettings, Listener& searchListener)
+      : program(inputProgram),
+        settings(searchSettings),
+        listener(searchListener),
+        incumbent(program, known, settings, listener) {}
+
+  [[nodiscard]] bool stopRequested() override { return listener.stopRequested(); }
+
+  /// `within` another search nothing is said of what lies outside the box.
+  Outcome run(bool within) {
+    if (incumbent.enough()) return answer(true);
+    try {
+      model = makeModel(program);
+      enter("presolve");
+      if (const char* reason = presolve(model, *this)) return answer(proved(reason));
+      boxed = hasArtificialSides(model);
+      if (!boxed || within) return answer(exhaust());
+      return answerUnbounded();
+    } catch (const Stopped&) {
+      return answer(false);
+    }
+  }
+
+ private:
+  /// True if no wanted point is left.
+  bool exhaust() {
+    for (int lattices = 1;; ++lattices) {
+      enter("kernel");
+      LatticeBasis basis = kernel(model, *this);
+      if (basis.contradiction) {
+        boxed = false;  // no bound has a part in this
+        return proved(basis.contradiction);
+      }
+      enter("reduction");
+      reduce(basis, model, 2, settings.deep, *this);
+      const bool mayNarrow = lattices < MOST_LATTICES && !boxed;
+      LatticeEnd end = LatticeEnd::Unusable;
+      if (isNarrowSystem(model, basis)) end = searchLattice<std::int64_t>(basis, mayNarrow);
+      if (end == LatticeEnd::Unusable) end = searchLattice<ZZ>(basis, mayNarrow);
+      if (end == LatticeEnd::Exhausted) return proved("search");
+      if (end != LatticeEnd::Narrowed) return false;
+      enter("presolve");
+      if (const char* reason = presolve(model, *this)) return proved(reason);
+    }
+  }
+
+  /// The search of a program with variables that nothing bounds: first for a ray that settles it,
+  /// then within the box, then for a proof that nothing lies outside.
+  Outcome answerUnbounded() {
+    const bool asksForAll = program.dt.MN == 0 && settings.wanted == 0;
+    if (program.dt.MN > 0 ? !incumbent.collects() : asksForAll) {
+      const Vector<QQ> ray = findRay();
+      if (ray.MN > 0) {
+        const Vector<QQ> point = findPoint();
+        if (point.MN > 0) incumbent.take(point);
+        Outcome outcome = answer(false);
+        if (outcome.points > 0) {
+          outcome.status = program.dt.MN > 0 ? Status::Unbounded : Status::Feasible;
+          outcome.ray = ray;
+          outcome.proof = "a ray and a point";
+        }
+        return outcome;
+      }
+    }
+    const Model whole = model;
+    const bool complete = exhaust();
+    Outcome outcome = answer(complete);
+    if (!complete || !boxed || incumbent.enough() || isWhole(whole)) return outcome;
+    outcome.complete = false;
+    outcome.limitation = IN_THE_BOX;
+    outcome.status = incumbent.points() > 0 ? Status::BestSoFar : Status::Unknown;
+    outcome.bound.reset();
+    return outcome;
+  }
+
+  /// A point is known, and all points that are wanted are in the box.
+  [[nodiscard]] bool isWhole(const Model& whole) {
+    if (incumbent.points() == 0) return false;
+    std::optional<ZZ> greatest;
+    if (incumbent.best()) greatest = wholeSigned(*incumbent.best() * QQ(whole.scale));
+    if (incumbent.collects() && settings.targetLimit) {
+      const QQ limit = *settings.targetLimit * QQ(whole.scale);
+      greatest = wholeSigned(limit) + ZZ(1);
+    } else if (incumbent.collects()) {
+      greatest.reset();
+    }
+    return staysInBox(whole, greatest, *this);
+  }
+
+  /// A direction of descent, or without targets any that is not 0.
+  Vector<QQ> findRay() {
+    Vexil<QQ> directions = directionsOf(program);
+    Settings sought;
+    sought.rounds = ROUNDS_OF_A_SIDE_SEARCH;
+    if (program.dt.MN > 0) {
+      sought.targetLimit = QQ(ZZ(-1), model.scale);
+      return findWithin(directions, sought);
+    }
+    for (std::int64_t i = 1; i <= program.lx.MN; ++i) {
+      for (Vector<QQ>* const side : {&directions.lx, &directions.rx}) {
+        const bool upward = side == &directions.lx;
+        if (!(upward ? program.rx : program.lx)[i].isInf) continue;
+        const QQ before = (*side)[i];
+        (*side)[i] = upward ? 1 : -1;
+        Vector<QQ> ray = findWithin(directions, sought);
+        if (ray.MN > 0) return ray;
+        (*side)[i] = before;
+      }
+    }
+    return {};
+  }
+
+  /// Any point.
+  Vector<QQ> findPoint() {
+    Vexil<QQ> plain = program;
+    plain.At.clear();
+    plain.dt.clear();
+    plain.kt.clear();
+    return findWithin(plain, Settings{});
+  }
+
+  Vector<QQ> findWithin(const Vexil<QQ>& other, const Settings& sought) {
+    SideListener keeper(listener);
+    static_cast<void>(Search(other, {}, sought, keeper).run(true));
+    throwIfStopped(*this);
+    return keeper.found;
+  }
+
+  template <typename Z>
+  LatticeEnd searchLattice(const LatticeBasis& basis, bool mayNarrow) {
+    LatticeSearch<Z> search(model, basis, settings, incumbent, *this, progress, listener);
+    return search.run(mayNarrow);
+  }
+
+  bool proved(const char* reason) {
+    proof = reason;
+    return true;
+  }
+
+  void enter(const char* phase) {
+    progress.phase = phase;
+    listener.progress(progress);
+  }
+
+  [[nodiscard]] Status status(bool complete) const {
+    const bool found = incumbent.points() > 0;
+    if (incumbent.collects()) {
+      const bool limits = settings.targetLimit || settings.slackLimit;
+      if (incumbent.enough() || (complete && found)) {
+        return limits ? Status::Reached : Status::Feasible;
+      }
+    } else if (complete && found) {
+      return Status::Optimal;
+    }
+    if (complete) return Status::Infeasible;
+    return found ? Status::BestSoFar : Status::Unknown;
+  }
+
+  Outcome answer(bool complete) {
+    Outcome outcome;
+    outcome.status = status(complete);
+    outcome.best = incumbent.best();
+    outcome.bound = outcome.status == Status::Optimal ? incumbent.best() : progress.bound;
+    outcome.points = incumbent.points();
+    outcome.complete = complete && !incumbent.enough();
+    outcome.proof = proof;
+    outcome.effort = progress;
+    return outcome;
+  }
+
+  const Vexil<QQ>& program;
+  const Settings& settings;
+  Listener& listener;
+  Incumbent incumbent;
+  Model model;
+  Progress progress;
+  std::string proof;
+  bool boxed = false;  ///< some variables have artificial sides
+};
+
+}  // namespace
+
+Outcome solve(const Vexil<QQ>& program, const std::vector<Vector<QQ>>& known,
+              const Settings& settings, Listener& listener) {
+  return Search(program, known, settings, listener).run(false);
+}
+
+}  // namespace vexil::solver

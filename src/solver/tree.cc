@@ -1,0 +1,266 @@
+// Vexil - exact integer optimization on lattices.
+#include "solver/tree.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace vexil::solver {
+namespace {
+
+constexpr double INTEGRAL = 1e-6;
+constexpr int ROUNDS_OF_A_NODE = 3;
+constexpr std::int64_t WORK_BETWEEN_STOPS = std::int64_t{1} << 22;
+constexpr double LEAST_GAIN = 1e-6;
+
+}  // namespace
+
+template <typename Z>
+Tree<Z>::Tree(const FormSystem<Z>& formSystem, Relaxation<Z>& rootRelaxation,
+              SearchState<Z>& searchState, StopToken& stopToken)
+    : forms(formSystem),
+      relaxation(rootRelaxation),
+      state(searchState),
+      stop(stopToken),
+      pseudoCosts(formSystem.dimension),
+      candidate(formSystem.dimension) {}
+
+template <typename Z>
+RunEnd Tree<Z>::run(std::int64_t budget) {
+  const std::int64_t start = relaxation.work();
+  std::int64_t counted = start;
+  std::int64_t askedAt = start;
+  while (!ended && !state.finished && relaxation.work() - start < budget) {
+    processNode();
+    state.work += relaxation.work() - counted;
+    counted = relaxation.work();
+    if (counted - askedAt > WORK_BETWEEN_STOPS) {
+      askedAt = counted;
+      throwIfStopped(stop);
+    }
+  }
+  return ended || state.finished ? RunEnd::Exhausted : RunEnd::Budget;
+}
+
+/// Ends the present node and enters the next one that is left.
+template <typename Z>
+void Tree<Z>::close() {
+  done += share;
+  if (!frames.empty()) relaxation.undo(frames.back().trail);
+  descend();
+}
+
+/// Enters the next child of the last frame, or of one below it.
+template <typename Z>
+void Tree<Z>::descend() {
+  while (!frames.empty()) {
+    if (enterNextChild()) return;
+    frames.pop_back();
+    if (!frames.empty()) relaxation.undo(frames.back().trail);
+  }
+  ended = true;
+}
+
+template <typename Z>
+bool Tree<Z>::enterNextChild() {
+  Frame& frame = frames.back();
+  const std::size_t item = relaxation.items().parameterItem[frame.coordinate];
+  while (frame.next < frame.count) {
+    const Child& child = frame.children[frame.next++];
+    share = frame.share;
+    if (relaxation.raiseLower(item, child.lower) && relaxation.dropUpper(item, child.upper)) {
+      return true;
+    }
+    relaxation.undo(frame.trail);
+    done += share;
+  }
+  return false;
+}
+
+template <typename Z>
+void Tree<Z>::processNode() {
+  ++nodeCount;
+  if (relaxation.followState() == NodeState::Empty ||
+      relaxation.examine(ROUNDS_OF_A_NODE) == NodeState::Empty) {
+    close();
+    return;
+  }
+  if (!frames.empty() && frames.back().learns) learn(frames.back());
+  const std::size_t unfixed = lastUnfixed();
+  if (unfixed == NONE) {
+    offerSolution();
+    close();
+    return;
+  }
+  branch();
+}
+
+template <typename Z>
+void Tree<Z>::branch() {
+  if (!relaxation.solved()) {
+    const std::size_t k = lastUnfixed();
+    const std::size_t item = relaxation.items().parameterItem[k];
+    const Z width = relaxation.upper(item) - relaxation.lower(item);
+    split(k, relaxation.lower(item) + floorDivide<Z>(width, Z(2)));
+    return;
+  }
+  const std::size_t k = forms.ordered ? chooseOrdered() : chooseLearned();
+  if (k != NONE) {
+    const std::size_t item = relaxation.items().parameterItem[k];
+    const double value = relaxation.linearProgram().value(item);
+    Z below = rounded(k);
+    if (toDouble(below) > value) below = below - Z(1);
+    split(k, std::clamp(below, relaxation.lower(item), Z(relaxation.upper(item) - Z(1))));
+    return;
+  }
+  const bool lowered = offerSolution();
+  if (state.finished) return;
+  // A better point lowers the cut, and the same node is looked at again.
+  if (lowered && relaxation.items().objective != NONE &&
+      state.cut < relaxation.upper(relaxation.items().objective)) {
+    return;
+  }
+  const std::size_t last = lastUnfixed();
+  splitAround(last, rounded(last));
+}
+
+template <typename Z>
+bool Tree<Z>::isFixed(std::size_t k) const {
+  return relaxation.isFixed(relaxation.items().parameterItem[k]);
+}
+
+template <typename Z>
+std::size_t Tree<Z>::lastUnfixed() const {
+  for (std::size_t k = forms.dimension; k-- > 0;) {
+    if (!isFixed(k)) return k;
+  }
+  return NONE;
+}
+
+/// The distance of coordinate k from the integers.
+template <typename Z>
+double Tree<Z>::fraction(std::size_t k) const {
+  const double value = relaxation.linearProgram().value(relaxation.items().parameterItem[k]);
+  return std::fabs(value - std::rint(value));
+}
+
+template <typename Z>
+std::size_t Tree<Z>::chooseOrdered() const {
+  for (std::size_t k = forms.dimension; k-- > 0;) {
+    if (!isFixed(k) && fraction(k) > INTEGRAL) return k;
+  }
+  return NONE;
+}
+
+template <typename Z>
+double Tree<Z>::pseudoCost(std::size_t k, int side) const {
+  const PseudoCost& own = pseudoCosts[k];
+  if (own.count[side] > 0) return own.sum[side] / own.count[side];
+  double sum = 0;
+  int count = 0;
+  for (const PseudoCost& other : pseudoCosts) {
+    if (other.count[side] == 0) continue;
+    sum += other.sum[side] / other.count[side];
+    ++count;
+  }
+  return count == 0 ? 1 : sum / count;
+}
+
+template <typename Z>
+std::size_t Tree<Z>::chooseLearned() const {
+  std::size_t best = NONE;
+  double greatest = -1;
+  for (std::size_t k = forms.dimension; k-- > 0;) {
+    if (isFixed(k) || fraction(k) <= INTEGRAL) continue;
+    const double value = relaxation.linearProgram().value(relaxation.items().parameterItem[k]);
+    double below = value - std::rint(value);
+    if (below < 0) below += 1;
+    const double gainBelow = std::max(LEAST_GAIN, pseudoCost(k, 0) * below);
+    const double gainAbove = std::max(LEAST_GAIN, pseudoCost(k, 1) * (1 - below));
+    const double score = gainBelow * gainAbove;
+    if (score > greatest) {
+      greatest = score;
+      best = k;
+    }
+  }
+  return best;
+}
+
+/// The rise of the objective from the parent to this child.
+template <typename Z>
+void Tree<Z>::learn(const Frame& frame) {
+  const std::size_t objective = relaxation.items().objective;
+  if (!relaxation.solved() || objective == NONE) return;
+  const int side = frame.children[frame.next - 1].upward ? 1 : 0;
+  const double rise = std::max(0.0, relaxation.linearProgram().value(objective) - frame.objective);
+  PseudoCost& cost = pseudoCosts[frame.coordinate];
+  cost.sum[side] += rise / frame.distance[side];
+  ++cost.count[side];
+  frames.back().learns = frame.next < frame.count;
+}
+
+/// Children up to `below` and above it, the nearer one first.
+template <typename Z>
+void Tree<Z>::split(std::size_t k, const Z& below) {
+  const ItemSystem<Z>& items = relaxation.items();
+  const std::size_t item = items.parameterItem[k];
+  const double value = relaxation.linearProgram().value(item);
+  const double distance = std::clamp(value - toDouble(below), 0.0, 1.0);
+  Frame frame{};
+  frame.trail = relaxation.mark();
+  frame.coordinate = k;
+  frame.share = share / 2;
+  frame.learns = relaxation.solved() && !forms.ordered && items.objective != NONE;
+  if (frame.learns) frame.objective = relaxation.linearProgram().value(items.objective);
+  frame.distance[0] = std::max(distance, INTEGRAL);
+  frame.distance[1] = std::max(1 - distance, INTEGRAL);
+  frame.count = 2;
+  const Child down{relaxation.lower(item), below, false};
+  const Child up{below + Z(1), relaxation.upper(item), true};
+  frame.children[0] = distance <= 0.5 ? down : up;
+  frame.children[1] = distance <= 0.5 ? up : down;
+  frames.push_back(std::move(frame));
+  descend();
+}
+
+/// Children at `middle`, above and below it.
+template <typename Z>
+void Tree<Z>::splitAround(std::size_t k, const Z& middle) {
+  const std::size_t item = relaxation.items().parameterItem[k];
+  Frame frame{};
+  frame.trail = relaxation.mark();
+  frame.coordinate = k;
+  frame.children[frame.count++] = {middle, middle, true};
+  if (relaxation.upper(item) > middle) {
+    frame.children[frame.count++] = {middle + Z(1), relaxation.upper(item), true};
+  }
+  if (relaxation.lower(item) < middle) {
+    frame.children[frame.count++] = {relaxation.lower(item), middle - Z(1), false};
+  }
+  frame.share = share / frame.count;
+  frames.push_back(std::move(frame));
+  descend();
+}
+
+/// Coordinate k of the solution as an integer within its present range, as its item counts.
+template <typename Z>
+Z Tree<Z>::rounded(std::size_t k) const {
+  const std::size_t item = relaxation.items().parameterItem[k];
+  const double value = relaxation.linearProgram().value(item);
+  if (!(value > toDouble(relaxation.lower(item)))) return relaxation.lower(item);
+  if (!(value < toDouble(relaxation.upper(item)))) return relaxation.upper(item);
+  return std::clamp(nearestInteger<Z>(value), relaxation.lower(item), relaxation.upper(item));
+}
+
+template <typename Z>
+bool Tree<Z>::offerSolution() {
+  const ItemSystem<Z>& items = relaxation.items();
+  for (std::size_t k = 0; k < forms.dimension; ++k) {
+    candidate[k] = rounded(k) - items.offset[items.parameterItem[k]];
+  }
+  return relaxation.offer(candidate);
+}
+
+template class Tree<std::int64_t>;
+template class Tree<ZZ>;
+
+}  // namespace vexil::solver

@@ -1,0 +1,91 @@
+// Vexil - exact integer optimization on lattices.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "solver/relaxation.h"
+#include "solver/stop.h"
+
+namespace vexil::solver {
+
+/// Branch and bound (Land and Doig 1960) on the coordinates of a lattice basis (Aardal, Hurkens and
+/// Lenstra 2000), depth first on an explicit stack that resumes. Where equations order the
+/// coordinates it branches on the last one that is fractional; without that order it learns which
+/// ones move the objective (pseudo-costs, Benichou and others 1971).
+///
+/// A node is given up only where the relaxation proved it empty, or all its coordinates are fixed
+/// and the one point was offered. What looks empty and cannot be proved so is split further.
+template <typename Z>
+class Tree {
+ public:
+  /// The relaxation is at the root, its trail the root's own. All are kept by reference.
+  Tree(const FormSystem<Z>& formSystem, Relaxation<Z>& rootRelaxation, SearchState<Z>& searchState,
+       StopToken& stopToken);
+
+  /// Goes on until about `budget` more work is counted. Exhausted: every wanted point was offered.
+  /// Throws `Stopped`.
+  [[nodiscard]] RunEnd run(std::int64_t budget);
+
+  [[nodiscard]] std::int64_t nodes() const { return nodeCount; }
+  /// The part of the tree that is done, each child of a node having an equal share of it, 0 to 1.
+  [[nodiscard]] double progress() const { return done; }
+
+ private:
+  /// A part of the range of a coordinate's item.
+  struct Child {
+    Z lower;
+    Z upper;
+    bool upward;
+  };
+  struct Frame {
+    std::size_t trail;
+    std::size_t coordinate;
+    double share;        ///< of each child
+    double objective;    ///< of the linear program, where `learns`
+    double distance[2];  ///< from the solution to the child below and above
+    bool learns;
+    int next;
+    int count;
+    Child children[3];
+  };
+  /// Mean rise of the objective per unit, below (0) and above (1).
+  struct PseudoCost {
+    double sum[2] = {0, 0};
+    int count[2] = {0, 0};
+  };
+
+  void processNode();
+  void close();
+  void descend();
+  bool enterNextChild();
+  void learn(const Frame& frame);
+  void branch();
+  [[nodiscard]] std::size_t chooseOrdered() const;
+  [[nodiscard]] std::size_t chooseLearned() const;
+  [[nodiscard]] double pseudoCost(std::size_t k, int side) const;
+  void split(std::size_t k, const Z& below);
+  void splitAround(std::size_t k, const Z& middle);
+  bool offerSolution();
+  [[nodiscard]] bool isFixed(std::size_t k) const;
+  [[nodiscard]] double fraction(std::size_t k) const;
+  [[nodiscard]] Z rounded(std::size_t k) const;
+  [[nodiscard]] std::size_t lastUnfixed() const;
+
+  const FormSystem<Z>& forms;
+  Relaxation<Z>& relaxation;
+  SearchState<Z>& state;
+  StopToken& stop;
+  std::vector<Frame> frames;
+  std::vector<PseudoCost> pseudoCosts;
+  std::vector<Z> candidate;
+  bool ended = false;
+  double share = 1;
+  double done = 0;
+  std::int64_t nodeCount = 0;
+};
+
+extern template class Tree<std::int64_t>;
+extern template class Tree<ZZ>;
+
+}  // namespace vexil::solver

@@ -1,0 +1,254 @@
+// Vexil - exact integer optimization on lattices.
+//
+// The answers of the solver: against brute force, and where they are known otherwise.
+#include "solver/search.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <random>
+#include <sstream>
+#include <string>
+
+#include "support/random_program.h"
+
+namespace vexil::solver {
+namespace {
+
+using support::Point;
+using support::RandomProgram;
+
+/// Keeps all points; asks to stop after a number of questions.
+struct Collector : Listener {
+  explicit Collector(std::int64_t mostQuestions = 1'000'000) : questions(mostQuestions) {}
+  void point(const Vector<QQ>& x) override { points.push_back(x); }
+  void progress(const Progress& progress) override {
+    std::ostringstream line;
+    line << progress.phase << ' ' << progress.treeNodes << ' ' << progress.enumerationNodes << ' '
+         << progress.work << '\n';
+    log += line.str();
+  }
+  bool stopRequested() override { return --questions < 0; }
+
+  std::vector<Vector<QQ>> points;
+  std::string log;
+  std::int64_t questions;
+};
+
+QQ inUnits(std::int64_t value) {
+  return {ZZ(static_cast<long long>(value)), ZZ(static_cast<long long>(RandomProgram::VALUE_UNIT))};
+}
+
+struct Engines {
+  bool tree;
+  bool enumeration;
+};
+constexpr Engines BOTH{true, true};
+constexpr Engines TREE{true, false};
+constexpr Engines ENUMERATION{false, true};
+
+/// All points of a random program, and the number of those with the least norm.
+struct Truth {
+  explicit Truth(const RandomProgram& random) : points(random.points()) {
+    for (const Point& X : points) {
+      const std::int64_t norm = random.norm(X);
+      if (bestCount == 0 || norm < best) bestCount = 0;
+      if (bestCount == 0) best = norm;
+      if (norm == best) ++bestCount;
+    }
+  }
+  std::vector<Point> points;
+  std::int64_t best = 0;
+  std::int64_t bestCount = 0;
+};
+
+class BruteForce : public testing::TestWithParam<Engines> {
+ protected:
+  static Outcome answer(const Vexil<QQ>& program, Settings settings, Collector& collector) {
+    settings.tree = GetParam().tree;
+    settings.enumeration = GetParam().enumeration;
+    return solve(program, {}, settings, collector);
+  }
+};
+
+TEST_P(BruteForce, FindsTheBestNormOrEveryPointOrNone) {
+  for (std::uint64_t seed = 1; seed <= 1500; ++seed) {
+    SCOPED_TRACE(seed);
+    const RandomProgram random(seed);
+    const Vexil<QQ> program = random.program();
+    const Truth truth(random);
+    Settings settings;
+    settings.wanted = 0;
+    Collector collector;
+    const Outcome outcome = answer(program, settings, collector);
+    if (truth.points.empty()) {
+      EXPECT_EQ(outcome.status, Status::Infeasible);
+    } else if (program.dt.MN == 0) {
+      EXPECT_EQ(outcome.status, Status::Feasible);
+      EXPECT_EQ(collector.points.size(), truth.points.size());
+      EXPECT_TRUE(outcome.complete);
+    } else {
+      EXPECT_EQ(outcome.status, Status::Optimal);
+      EXPECT_EQ(outcome.best, inUnits(truth.best));
+    }
+    EXPECT_EQ(outcome.limitation, "");
+  }
+}
+
+TEST_P(BruteForce, ReachesTheBestNormAndNothingBelowIt) {
+  for (std::uint64_t seed = 1; seed <= 600; ++seed) {
+    SCOPED_TRACE(seed);
+    const RandomProgram random(seed);
+    const Vexil<QQ> program = random.program();
+    const Truth truth(random);
+    if (truth.points.empty() || program.dt.MN == 0) continue;
+    Settings settings;
+    settings.wanted = 0;
+    settings.targetLimit = inUnits(truth.best);
+    Collector at;
+    const Outcome reached = answer(program, settings, at);
+    EXPECT_EQ(reached.status, Status::Reached);
+    EXPECT_EQ(reached.points, truth.bestCount);
+    settings.targetLimit = inUnits(truth.best - 1);
+    Collector below;
+    EXPECT_EQ(answer(program, settings, below).status, Status::Infeasible);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Engines, BruteForce, testing::Values(BOTH, TREE, ENUMERATION));
+
+/// The program of an opt text.
+Vexil<QQ> programOf(const std::string& text) {
+  const std::string path = testing::TempDir() + "search_test.opt";
+  std::ofstream(path) << text;
+  Vexil<QQ> program;
+  program.optFile = path;
+  program.readOptFile();
+  return program;
+}
+
+struct Case {
+  const char* name;
+  const char* text;
+  std::int64_t wanted;
+  Status status;
+  const char* best;  ///< empty: no targets, or none
+  bool hasRay;
+};
+
+class WithoutBounds : public testing::TestWithParam<Case> {};
+
+TEST_P(WithoutBounds, ClaimsWhatHoldsBeyondTheBox) {
+  const Vexil<QQ> program = programOf(GetParam().text);
+  Settings settings;
+  settings.wanted = GetParam().wanted;
+  settings.rounds = 6;
+  Collector collector;
+  const Outcome outcome = solve(program, {}, settings, collector);
+  EXPECT_EQ(outcome.status, GetParam().status);
+  if (*GetParam().best != 0) {
+    EXPECT_EQ(outcome.best, QQ(GetParam().best));
+  }
+  EXPECT_EQ(outcome.ray.MN > 0, GetParam().hasRay);
+  EXPECT_EQ(outcome.limitation.empty(),
+            outcome.status != Status::Unknown && outcome.status != Status::BestSoFar);
+}
+
+const Case CASES[] = {
+    {"Falls", "[ -inf ][ [ 1 1 ] ][ [ 3 5 ] ][ 7 ][ ][ ][ ][ 0 0 ][ -inf -inf ][ inf inf ]", 1,
+     Status::Unbounded, "", true},
+    {"FallsButHasNoPoint",
+     "[ -inf ][ [ 1 1 ] ][ [ 4 6 ] ][ 7 ][ ][ ][ ][ 0 0 ][ -inf -inf ][ inf inf ]", 1,
+     Status::Infeasible, "", false},
+    {"Goal", "[ 10 ][ [ 1 1 ] ][ [ 3 -5 ] ][ 7 ][ ][ ][ ][ 0 0 ][ -inf -inf ][ inf inf ]", 1,
+     Status::Optimal, "3", false},
+    {"Cone",
+     "[ -inf ][ [ 3 -1 ] ][ ][ ][ [ 2 -1 ] [ 1 -3 ] ][ 0 -inf ][ inf 12 ][ 0 0 ][ -inf -inf ][ inf "
+     "inf ]",
+     1, Status::Optimal, "-2", false},
+    {"Strip", "[ ][ ][ ][ ][ [ 1048582 1048583 ] ][ 0 ][ 10 ][ 0 0 ][ 1 -inf ][ inf inf ]", 0,
+     Status::Feasible, "", true},
+    // The one point is beyond the box: no claim.
+    {"FarAway",
+     "[ ][ ][ ][ ][ [ 1 -2 ] [ 1 -3 ] ][ 5000000 0 ][ 5000000 0 ][ 0 0 ][ -inf -inf ][ "
+     "inf inf ]",
+     1, Status::Unknown, "", false},
+};
+INSTANTIATE_TEST_SUITE_P(Cases, WithoutBounds, testing::ValuesIn(CASES),
+                         [](const auto& chosen) { return chosen.param.name; });
+
+/// One equation with coefficients of 40 digits over 0/1 variables, made from a hidden point.
+TEST(Search, SolvesEquationsOfFortyDigits) {
+  std::mt19937_64 generator(7);
+  std::string row;
+  ZZ sum = 0;
+  std::string zeros;
+  std::string ones;
+  for (int i = 0; i < 40; ++i) {
+    std::string digits = "1";
+    while (digits.size() < 40) digits += static_cast<char>('0' + generator() % 10);
+    ZZ number;
+    fromString(number, digits);
+    if (generator() % 2 == 0) sum = sum + number;
+    row += digits + ' ';
+    zeros += "0 ";
+    ones += "1 ";
+  }
+  Collector collector;
+  const std::string variables = "[ ][ ][ ][ " + zeros + "][ " + zeros + "][ " + ones + "]";
+  const Vexil<QQ> program =
+      programOf("[ ][ ][ [ " + row + "] ][ " + toString(sum) + " ]" + variables);
+  EXPECT_EQ(solve(program, {}, {}, collector).status, Status::Feasible);
+  const Vexil<QQ> shifted =
+      programOf("[ ][ ][ [ " + row + "] ][ " + toString(sum + ZZ(1)) + " ]" + variables);
+  EXPECT_EQ(solve(shifted, {}, {}, collector).status, Status::Infeasible);
+}
+
+TEST(Search, RepeatsItselfToTheLastCount) {
+  for (std::uint64_t seed = 1; seed <= 50; ++seed) {
+    const Vexil<QQ> program = RandomProgram(seed).program();
+    Collector first;
+    Collector second;
+    static_cast<void>(solve(program, {}, {}, first));
+    static_cast<void>(solve(program, {}, {}, second));
+    EXPECT_EQ(first.log, second.log) << seed;
+  }
+}
+
+TEST(Search, CountsKnownPointsAndReportsOnlyBetterOnes) {
+  const Vexil<QQ> program =
+      programOf("[ inf ][ [ 1 2 ] ][ ][ ][ [ 1 1 ] ][ 0 ][ 3 ][ 0 0 ][ 0 0 ][ 2 2 ]");
+  Vector<QQ> best;
+  best.resize(2, false);
+  best[1] = 1;
+  best[2] = 2;
+  Collector collector;
+  const Outcome outcome = solve(program, {best}, {}, collector);
+  EXPECT_EQ(outcome.status, Status::Optimal);
+  EXPECT_EQ(outcome.best, QQ(-5));
+  EXPECT_EQ(collector.points.size(), 0U);
+}
+
+/// A subset sum of 60 items of 15 digits, which takes long.
+TEST(Search, EndsWhenToldTo) {
+  std::mt19937_64 generator(11);
+  std::string row;
+  std::string zeros;
+  std::string ones;
+  std::uint64_t sum = 0;
+  for (int i = 0; i < 60; ++i) {
+    const std::uint64_t item = generator() % 1'000'000'000'000'000;
+    sum += item;
+    row += std::to_string(item) + ' ';
+    zeros += "0 ";
+    ones += "1 ";
+  }
+  const Vexil<QQ> program = programOf("[ ][ ][ [ " + row + "] ][ " + std::to_string(sum / 2) +
+                                      " ][ ][ ][ ][ " + zeros + "][ " + zeros + "][ " + ones + "]");
+  Collector collector(20);
+  EXPECT_EQ(solve(program, {}, {}, collector).status, Status::Unknown);
+  EXPECT_GE(collector.questions, -3);
+}
+
+}  // namespace
+}  // namespace vexil::solver
