@@ -1,0 +1,25 @@
+// Vexil - exact integer optimization on lattices.
+#pragma once
+
+#include "formats/named_model.h"
+#include "foundation/string.h"
+
+namespace vexil::formats {
+
+/// The forms of model files, told by the endings of their names in any case of letters.
+enum class ModelForm { OPT, LP, MPS };
+
+/// The form of the file; nothing for any other ending than ".opt", ".lp" and ".mps".
+[[nodiscard]] std::optional<ModelForm> modelForm(const String& path);
+
+/// The model of a file. What the project's own comments tell of is undone; the objective of an LP
+/// or MPS file without coefficients is no target. Fatal: "path: expected a name that ends in .opt,
+/// .lp or .mps", "Could not read model file: " and what the readers report.
+[[nodiscard]] NamedModel readModel(const String& path, const ReadSettings& settings);
+
+/// The text of a file of that form; an opt file, whose variables have to be integer or get decimal
+/// places, is named by `path` in messages.
+[[nodiscard]] std::string modelText(NamedModel model, ModelForm form, const ReadSettings& settings,
+                                    const String& path);
+
+}  // namespace vexil::formats

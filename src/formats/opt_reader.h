@@ -1,0 +1,39 @@
+// Vexil - exact integer optimization on lattices.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "formats/named_model.h"
+#include "foundation/string.h"
+
+namespace vexil::formats {
+
+/// The comments at the head of an opt file that name its parts: lines "// item: text" or
+/// "// item[i]: text" ahead of everything else, as `optText` writes them.
+class OptHead {
+ public:
+  explicit OptHead(std::string_view text);
+
+  /// What a comment says of an item, as "model" or "x[3]"; nothing if none does.
+  [[nodiscard]] std::optional<std::string> find(const std::string& item) const;
+
+  /// The constant of target i, i from 1. Fatal: "constant[i]: expected a number, not TEXT".
+  [[nodiscard]] std::optional<QQ> constant(std::int64_t i) const;
+
+  /// True if it names a variable.
+  [[nodiscard]] bool namesVariables() const { return namesVariables_; }
+
+ private:
+  std::unordered_map<std::string, std::string> items_;
+  bool namesVariables_ = false;
+};
+
+/// The model of an opt file with the names of its head; where it has none variables are called
+/// x1, x2, ..., targets t1, t2, ..., equations e1, e2, ..., inequations c1, c2, .... Fatal: what
+/// the reader of programs reports; "path: x[i]: " and what its decimal places or bounds have that
+/// no model can; what the head reports.
+[[nodiscard]] NamedModel readOpt(const String& path);
+
+}  // namespace vexil::formats
