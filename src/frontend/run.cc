@@ -1,8 +1,9 @@
 // Vexil - exact integer optimization on lattices.
 #include "frontend/run.h"
 
+#include <iostream>
+
 #include "frontend/ylattice.h"
-#include "solutions/star.tcc"
 
 namespace vexil {
 

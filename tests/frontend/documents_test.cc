@@ -1,12 +1,14 @@
 // Vexil - exact integer optimization on lattices.
 //
-// What the documents show is what the tool does: the blocks "opt", "sol", "after" and "report" of a
-// page are run in the order of the page.
+// What the documents show is what the programs do: the blocks of a page are run in the order of the
+// page. Behind "opt" stand "answer", "best" and "kept", the beginnings of what vexil-solve prints,
+// of its report and of the sol file; behind "sol" stand "after" and "report" of the tool.
 #include <gtest/gtest.h>
 
 #include <map>
 #include <sstream>
 
+#include "foundation/string.h"
 #include "support/tool_run.h"
 
 namespace vexil::support {
@@ -35,9 +37,22 @@ TEST_P(Documents, ShowWhatTheToolDoes) {
   ASSERT_TRUE(page);
   const TemporaryFolder folder;
   ChildEnd end;
+  ChildEnd solved;
   int checked = 0;
   for (const auto& [kind, text] : blocksOf(*page)) {
     if (kind == "opt") writeFile(folder / "x.opt", text);
+    if (kind == "answer") {
+      solved = run({.folder = folder.path(), .arguments = {"x.opt"}, .program = VEXIL_SOLVE_TOOL});
+      EXPECT_TRUE(solved.out.starts_with(text)) << solved.out << solved.err;
+    }
+    if (kind == "best") {
+      EXPECT_NE(solved.out.find("\n" + text), std::string::npos) << solved.out;
+    }
+    if (kind == "kept") {
+      const auto sol = readFile(folder / "x.sol").value_or("");
+      const String line = sol.substr(0, sol.find('\n') + 1);
+      EXPECT_EQ(line.regexReplace("[0-9]+ \\| (--help=0) .* (--tnorm)", "0 | $1 ... $2"), text);
+    }
     if (kind == "sol") {
       writeFile(folder / "x.sol", text);
       end = run({.folder = folder.path(), .arguments = {"x.sol"}});
@@ -52,8 +67,24 @@ TEST_P(Documents, ShowWhatTheToolDoes) {
 
 INSTANTIATE_TEST_SUITE_P(Pages, Documents, testing::Values("README.md", "docs/file-formats.md"));
 
+const std::filesystem::path examples = std::filesystem::path(VEXIL_SOURCE_DIR) / "examples";
+
+TEST(Examples, CallTheEngine) {
+  const auto code = readFile(examples / "engine.cc").value();
+  const auto page = readFile(std::filesystem::path(VEXIL_SOURCE_DIR) / "README.md").value();
+  EXPECT_NE(page.find("```cpp\n" + code + "```"), page.npos);
+  const TemporaryFolder folder;
+  std::filesystem::copy(examples, folder.path());
+  const ChildEnd end = run({.folder = folder.path(), .program = VEXIL_EXAMPLE});
+  EXPECT_EQ(end.status, 0) << end.err;
+  EXPECT_EQ(end.out,
+            "stars: 1\n\nx = [ 4 3 2 ]\n\nTarget values: [ ]\nTarget Norm: 0\nSlack Norm: 0\n"
+            "Found after: 0 sec(s)\n");
+  EXPECT_TRUE(readFile(folder / "coins.sol").value_or("").starts_with("[ 4 3 2 ] | 0 | "));
+  EXPECT_TRUE(readFile(folder / "coins.lat"));
+}
+
 TEST(Examples, KeepTheStarsThatTheyClaim) {
-  const std::filesystem::path examples = std::filesystem::path(VEXIL_SOURCE_DIR) / "examples";
   const std::map<std::string, std::string> norms = {{"goal", "-381 -356 -326 "},
                                                     {"knapsack", "-309 -270 -239 "},
                                                     {"ledger", "5 "},

@@ -5,6 +5,7 @@
 
 #include <type_traits>
 
+#include "foundation/trace.h"
 #include "frontend/ylattice.h"
 
 namespace vexil {
