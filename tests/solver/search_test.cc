@@ -5,12 +5,12 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <random>
 #include <sstream>
 #include <string>
 
 #include "support/random_program.h"
+#include "support/tool_run.h"
 
 namespace vexil::solver {
 namespace {
@@ -40,12 +40,15 @@ QQ inUnits(std::int64_t value) {
 }
 
 struct Engines {
+  const char* name;
   bool tree;
   bool enumeration;
 };
-constexpr Engines BOTH{true, true};
-constexpr Engines TREE{true, false};
-constexpr Engines ENUMERATION{false, true};
+void PrintTo(const Engines& engines, std::ostream* out) { *out << engines.name; }
+
+constexpr Engines BOTH{"Both", true, true};
+constexpr Engines TREE{"Tree", true, false};
+constexpr Engines ENUMERATION{"Enumeration", false, true};
 
 /// All points of a random program, and the number of those with the least norm.
 struct Truth {
@@ -115,14 +118,16 @@ TEST_P(BruteForce, ReachesTheBestNormAndNothingBelowIt) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Engines, BruteForce, testing::Values(BOTH, TREE, ENUMERATION));
+INSTANTIATE_TEST_SUITE_P(Engines, BruteForce, testing::Values(BOTH, TREE, ENUMERATION),
+                         [](const auto& chosen) { return chosen.param.name; });
 
 /// The program of an opt text.
 Vexil<QQ> programOf(const std::string& text) {
-  const std::string path = testing::TempDir() + "search_test.opt";
-  std::ofstream(path) << text;
+  const support::TemporaryFolder folder;
   Vexil<QQ> program;
-  program.optFile = path;
+  const auto file = folder / "program.opt";
+  support::writeFile(file, text);
+  program.optFile = file.string();
   program.readOptFile();
   return program;
 }
@@ -135,6 +140,7 @@ struct Case {
   const char* best;  ///< empty: no targets, or none
   bool hasRay;
 };
+void PrintTo(const Case& chosen, std::ostream* out) { *out << chosen.name; }
 
 class WithoutBounds : public testing::TestWithParam<Case> {};
 
