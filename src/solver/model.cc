@@ -5,6 +5,7 @@
 
 #include "foundation/failure.h"
 #include "numbers/zz_words.h"
+#include "solutions/point_check.h"
 #include "solver/integers.h"
 
 namespace vexil::solver {
@@ -134,13 +135,6 @@ class Builder {
   std::vector<ZZ> units_;  ///< 10^decimals
 };
 
-/// The exact value of row x, a row that is too short being filled up with 0.
-QQ productOf(const Vector<QQ>& row, const Vector<QQ>& x) {
-  QQ sum;
-  for (std::int64_t i = 1; i <= row.MN && i <= x.MN; ++i) addProduct(sum, row.data[i], x.data[i]);
-  return sum;
-}
-
 }  // namespace
 
 Model makeModel(const Vexil<QQ>& program) { return Builder(program).build(); }
@@ -152,21 +146,6 @@ Vector<QQ> programPoint(const Model& model, const std::vector<ZZ>& X) {
   return x;
 }
 
-bool isPointOf(const Vexil<QQ>& program, const Vector<QQ>& x) {
-  if (x.MN != program.lx.MN) return false;
-  for (std::int64_t i = 1; i <= x.MN; ++i) {
-    if (x[i].isInf || x[i] < program.lx[i] || x[i] > program.rx[i]) return false;
-    const QQ scaled = x[i] * QQ(tenTo(decimalPlaces(program.dx[i], i)));
-    if (scaled.nenner != 1) return false;
-  }
-  for (std::int64_t i = 1; i <= program.Ag.rowCount; ++i) {
-    if (productOf(program.Ag[i], x) != program.bg[i]) return false;
-  }
-  for (std::int64_t i = 1; i <= program.Au.rowCount; ++i) {
-    const QQ value = productOf(program.Au[i], x);
-    if (value < program.lu[i] || value > program.ru[i]) return false;
-  }
-  return true;
-}
+bool isPointOf(const Vexil<QQ>& program, const Vector<QQ>& x) { return !faultOfPoint(program, x); }
 
 }  // namespace vexil::solver

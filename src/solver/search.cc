@@ -67,6 +67,11 @@ class Search : public StopToken {
         boxed = false;  // no bound has a part in this
         return proved(basis.contradiction);
       }
+      if (basis.K.empty()) {
+        boxed = false;
+        incumbent.take(programPoint(model, basis.x0));
+        return proved("the equations leave one point");
+      }
       enter("reduction");
       reduce(basis, model, 2, settings.deep, *this);
       const bool mayNarrow = lattices < MOST_LATTICES && !boxed;

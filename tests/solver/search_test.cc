@@ -174,9 +174,13 @@ const Case CASES[] = {
      1, Status::Optimal, "-2", false},
     {"Strip", "[ ][ ][ ][ ][ [ 1048582 1048583 ] ][ 0 ][ 10 ][ 0 0 ][ 1 -inf ][ inf inf ]", 0,
      Status::Feasible, "", true},
-    // The one point is beyond the box: no claim.
+    {"FarAwayButAlone",
+     "[ -inf ][ [ 1 1 ] ][ ][ ][ [ 1 -2 ] [ 1 -3 ] ][ 5000000 0 ][ 5000000 0 ][ 0 0 ][ -inf -inf ]"
+     "[ inf inf ]",
+     1, Status::Optimal, "20000000", false},
+    // The points are beyond the box: no claim.
     {"FarAway",
-     "[ ][ ][ ][ ][ [ 1 -2 ] [ 1 -3 ] ][ 5000000 0 ][ 5000000 0 ][ 0 0 ][ -inf -inf ][ "
+     "[ ][ ][ ][ ][ [ 1 -2 ] [ 1 -3 ] ][ 5000000 0 ][ 5000000 1 ][ 0 0 ][ -inf -inf ][ "
      "inf inf ]",
      1, Status::Unknown, "", false},
 };
