@@ -1,6 +1,7 @@
 // Vexil - exact integer optimization on lattices.
 #include "frontend/solve_watch.h"
 
+#include <algorithm>
 #include <string_view>
 #include <thread>
 
@@ -25,11 +26,13 @@ void SolveWatch::point(const Vector<QQ>& x) {
 
 void SolveWatch::progress(const solver::Progress& progress) {
   const bool newPhase = std::string_view(progress.phase) != latest_.phase;
-  const bool improved = progress.best != latest_.best || progress.points != latest_.points;
+  const bool improved = progress.best != latest_.best || progress.points >= nextPoints_;
+  const bool doubled = progress.work >= nextWork_;
   latest_ = progress;
-  if (options_.verbosity >= 2 || (options_.verbosity == 1 && (improved || !newPhase))) {
-    screen_.printAbove(progressLine());
-  }
+  if (improved) nextPoints_ = 2 * std::max<std::int64_t>(progress.points, 1);
+  if (doubled) nextWork_ = 2 * progress.work;
+  const bool isWanted = improved || doubled || (newPhase && options_.verbosity >= 2);
+  if (isWanted && options_.verbosity >= 1) screen_.printAbove(progressLine());
 }
 
 bool SolveWatch::stopRequested() {
@@ -64,7 +67,9 @@ std::optional<String> SolveWatch::saveAtLast() {
 String SolveWatch::progressLine() const {
   const auto& p = latest_;
   String line = joined(secondsSinceStart(), " s: ");
-  line += p.best ? solver::normsText(p.best, p.bound) : joined(p.points, " points");
+  line += everyPointCounts_   ? joined(p.points, " points")
+          : p.best || p.bound ? solver::normsText(p.best, p.bound)
+                              : "no point";
   line += joined(", ", p.treeNodes + p.enumerationNodes, " nodes, ", p.phase);
   if (options_.verbosity >= 2) {
     line += joined(", tree ", p.treeNodes, ", enumeration ", p.enumerationNodes, ", work ", p.work);

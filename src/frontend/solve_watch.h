@@ -29,6 +29,8 @@ class SolveWatch : public solver::Listener {
   /// An improvement is written at once; of points that come one by one the first, second, fourth
   /// and so on. A write that fails is said and tried again with the next one.
   void point(const Vector<QQ>& x) override;
+  /// A line, at verbosity 1 for each improvement and each doubling of the points or the work, at 2
+  /// for each phase as well.
   void progress(const solver::Progress& progress) override;
   bool stopRequested() override;
 
@@ -47,7 +49,9 @@ class SolveWatch : public solver::Listener {
   bool everyPointCounts_;
   solver::Progress latest_;
   std::int64_t found_ = 0;
-  std::int64_t nextSave_ = 1;  ///< number of found points with which the file is written next
+  std::int64_t nextSave_ = 1;    ///< number of found points with which the file is written next
+  std::int64_t nextPoints_ = 1;  ///< number of points with which a line is printed next
+  std::int64_t nextWork_ = 1;    ///< the same for the work
   String lastFault_;
 };
 

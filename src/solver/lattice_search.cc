@@ -55,13 +55,13 @@ double restOf(std::int64_t work, double progress) {
 template <typename Z>
 LatticeSearch<Z>::LatticeSearch(Model& searched, const LatticeBasis& latticeBasis,
                                 const Settings& searchSettings, Incumbent& points,
-                                StopToken& stopToken, Progress& searchProgress,
+                                StopToken& searchStop, Progress& searchProgress,
                                 Listener& searchListener)
     : model(searched),
       basis(latticeBasis),
       settings(searchSettings),
       incumbent(points),
-      stop(stopToken),
+      outerStop(searchStop),
       progress(searchProgress),
       listener(searchListener),
       forms(formSystem<Z>(searched, latticeBasis)),
@@ -138,6 +138,7 @@ bool LatticeSearch<Z>::offer(const FormSystem<Z>& system, const std::vector<Z>& 
   }
   if (!incumbent.take(programPoint(model, X))) return false;
   lowerCut();
+  report();
   return true;
 }
 
@@ -159,21 +160,31 @@ bool LatticeSearch<Z>::exportSides(const Relaxation<Z>& relaxation) {
   return fixed;
 }
 
+/// Brings the progress up to date and passes it on.
 template <typename Z>
-void LatticeSearch<Z>::setBound() {
-  if (incumbent.collects() || !this->hasBound) return;
-  const QQ norm = QQ(toZZ(this->bound), model.scale);
-  if (!progress.bound || norm > *progress.bound) progress.bound = norm;
-}
-
-template <typename Z>
-void LatticeSearch<Z>::report(const char* phase) {
-  progress.phase = phase;
+void LatticeSearch<Z>::report() {
   progress.best = incumbent.best();
   progress.points = incumbent.points();
   progress.work = earlierWork + rootWork + this->work;
-  setBound();
+  if (tree) progress.treeNodes = tree->nodes();
+  if (enumerator) progress.enumerationNodes = enumerator->search->nodes();
+  if (!incumbent.collects() && this->hasBound) {
+    const QQ norm = QQ(toZZ(this->bound), model.scale);
+    if (!progress.bound || norm > *progress.bound) progress.bound = norm;
+  }
   listener.progress(progress);
+}
+
+template <typename Z>
+void LatticeSearch<Z>::enter(const char* phase) {
+  progress.phase = phase;
+  report();
+}
+
+template <typename Z>
+bool LatticeSearch<Z>::stopRequested() {
+  report();
+  return outerStop.stopRequested();
 }
 
 template <typename Z>
@@ -186,46 +197,37 @@ LatticeEnd LatticeSearch<Z>::run(bool mayNarrow) {
   if (!ranges) return LatticeEnd::Unusable;
   const ItemSystem<Z> items = itemSystem(forms, *ranges);
   Relaxation<Z> relaxation(forms, items, *this);
-  report("root");
-  const NodeState root = tightenRoot(forms, relaxation, *this, stop);
+  enter("root");
+  const NodeState root = tightenRoot(forms, relaxation, *this, *this);
   rootWork = relaxation.work();
   if (root == NodeState::Empty) return LatticeEnd::Exhausted;
   if (items.objective != NONE) this->raiseBound(relaxation.lower(items.objective));
   if (mayNarrow && exportSides(relaxation)) return LatticeEnd::Narrowed;
-  return searchRounds(relaxation);
+  tree = std::make_unique<Tree<Z>>(forms, relaxation, *this, *this);
+  const LatticeEnd end = searchRounds();
+  report();
+  return end;
 }
-
-/// The enumeration of one lattice on a basis of its own, reduced more strongly.
-template <typename Z>
-struct LatticeSearch<Z>::Enumerator {
-  FormSystem<Z> forms;
-  CoordinateRanges<Z> ranges;
-  std::unique_ptr<Enumeration<Z>> search;
-  std::int64_t work = 0;
-};
 
 template <typename Z>
 std::unique_ptr<typename LatticeSearch<Z>::Enumerator> LatticeSearch<Z>::makeEnumerator() {
   LatticeBasis reduced = basis;
-  report("reduction");
-  reduce(reduced, model, settings.blockSize, settings.deep, stop);
+  enter("reduction");
+  reduce(reduced, model, settings.blockSize, settings.deep, *this);
   if (isNarrowSystem(model, reduced) != !std::is_same_v<Z, ZZ>) return nullptr;
-  auto enumerator = std::make_unique<Enumerator>();
-  enumerator->forms = formSystem<Z>(model, reduced);
-  std::optional<CoordinateRanges<Z>> ranges = coordinateRanges(enumerator->forms);
+  auto made = std::make_unique<Enumerator>();
+  made->forms = formSystem<Z>(model, reduced);
+  std::optional<CoordinateRanges<Z>> ranges = coordinateRanges(made->forms);
   if (!ranges) return nullptr;
-  enumerator->ranges = std::move(*ranges);
-  enumerator->search =
-      std::make_unique<Enumeration<Z>>(enumerator->forms, enumerator->ranges, *this, stop);
-  return enumerator;
+  made->ranges = std::move(*ranges);
+  made->search = std::make_unique<Enumeration<Z>>(made->forms, made->ranges, *this, *this);
+  return made;
 }
 
 /// Rounds of doubled budgets. Each search resumes; the one that seems to have more than four times
 /// as much before it gets an eighth.
 template <typename Z>
-LatticeEnd LatticeSearch<Z>::searchRounds(Relaxation<Z>& relaxation) {
-  Tree<Z> tree(forms, relaxation, *this, stop);
-  std::unique_ptr<Enumerator> enumerator;
+LatticeEnd LatticeSearch<Z>::searchRounds() {
   bool enumerates = settings.enumeration && (forms.ordered || !settings.tree);
   std::int64_t treeWork = 0;
   std::int64_t budget = FIRST_BUDGET;
@@ -233,28 +235,26 @@ LatticeEnd LatticeSearch<Z>::searchRounds(Relaxation<Z>& relaxation) {
     std::int64_t treeBudget = settings.tree || !enumerates ? budget : 0;
     std::int64_t enumerationBudget = enumerates ? budget : 0;
     if (enumerator && treeBudget > 0) {
-      const double treeRest = restOf(treeWork, tree.progress());
+      const double treeRest = restOf(treeWork, tree->progress());
       const double enumerationRest = restOf(enumerator->work, enumerator->search->progress());
       if (treeRest > 4 * enumerationRest) treeBudget /= 8;
       if (enumerationRest > 4 * treeRest) enumerationBudget /= 8;
     }
     if (treeBudget > 0) {
-      report("tree");
+      enter("tree");
       const std::int64_t before = this->work;
-      const RunEnd end = tree.run(treeBudget);
+      const RunEnd end = tree->run(treeBudget);
       treeWork += this->work - before;
-      progress.treeNodes = tree.nodes();
       if (end == RunEnd::Exhausted) return LatticeEnd::Exhausted;
     }
     if (enumerationBudget > 0) {
       if (!enumerator) enumerator = makeEnumerator();
       enumerates = enumerator != nullptr;
       if (!enumerates) continue;
-      report("enumeration");
+      enter("enumeration");
       const std::int64_t before = this->work;
       const RunEnd end = enumerator->search->run(enumerationBudget);
       enumerator->work += this->work - before;
-      progress.enumerationNodes = enumerator->search->nodes();
       if (end == RunEnd::Exhausted) return LatticeEnd::Exhausted;
       enumerates = end != RunEnd::Unusable;
       if (!enumerates) enumerator.reset();

@@ -24,11 +24,11 @@ enum class LatticeEnd : std::uint8_t {
 
 /// The search of the points of one lattice: the root, then rounds of the tree and the enumeration.
 template <typename Z>
-class LatticeSearch : public SearchState<Z> {
+class LatticeSearch : public SearchState<Z>, public StopToken {
  public:
   /// All but `settings` are kept by reference. `searched` is narrowed by the root.
   LatticeSearch(Model& searched, const LatticeBasis& latticeBasis, const Settings& searchSettings,
-                Incumbent& points, StopToken& stopToken, Progress& searchProgress,
+                Incumbent& points, StopToken& searchStop, Progress& searchProgress,
                 Listener& searchListener);
 
   [[nodiscard]] LatticeEnd run(bool mayNarrow);
@@ -36,23 +36,33 @@ class LatticeSearch : public SearchState<Z> {
   bool offer(const FormSystem<Z>& system, const std::vector<Z>& values) override;
 
  private:
+  /// The enumeration on a basis of its own, reduced more strongly.
+  struct Enumerator {
+    FormSystem<Z> forms;
+    CoordinateRanges<Z> ranges;
+    std::unique_ptr<Enumeration<Z>> search;
+    std::int64_t work = 0;
+  };
+
   void findStep();
   void lowerCut();
   [[nodiscard]] bool exportSides(const Relaxation<Z>& relaxation);
-  [[nodiscard]] LatticeEnd searchRounds(Relaxation<Z>& relaxation);
-  struct Enumerator;
+  [[nodiscard]] LatticeEnd searchRounds();
   [[nodiscard]] std::unique_ptr<Enumerator> makeEnumerator();
-  void report(const char* phase);
-  void setBound();
+  void enter(const char* phase);
+  void report();
+  [[nodiscard]] bool stopRequested() override;
 
   Model& model;
   const LatticeBasis& basis;
   const Settings& settings;
   Incumbent& incumbent;
-  StopToken& stop;
+  StopToken& outerStop;
   Progress& progress;
   Listener& listener;
   FormSystem<Z> forms;
+  std::unique_ptr<Tree<Z>> tree;
+  std::unique_ptr<Enumerator> enumerator;  ///< while it is usable
   std::int64_t earlierWork = 0;
   std::int64_t rootWork = 0;
 };

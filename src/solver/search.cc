@@ -90,6 +90,7 @@ class Search : public StopToken {
   Outcome answerUnbounded() {
     const bool asksForAll = program.dt.MN == 0 && settings.wanted == 0;
     if (program.dt.MN > 0 ? !incumbent.collects() : asksForAll) {
+      enter("rays");
       const Vector<QQ> ray = findRay();
       if (ray.MN > 0) {
         const Vector<QQ> point = findPoint();
@@ -117,6 +118,7 @@ class Search : public StopToken {
   /// A point is known, and all points that are wanted are in the box.
   [[nodiscard]] bool isWhole(const Model& whole) {
     if (incumbent.points() == 0) return false;
+    enter("box");
     std::optional<ZZ> greatest;
     if (incumbent.best()) greatest = wholeSigned(*incumbent.best() * QQ(whole.scale));
     if (incumbent.collects() && settings.targetLimit) {
@@ -180,6 +182,8 @@ class Search : public StopToken {
 
   void enter(const char* phase) {
     progress.phase = phase;
+    progress.best = incumbent.best();
+    progress.points = incumbent.points();
     listener.progress(progress);
   }
 

@@ -39,7 +39,8 @@ struct Settings {
 
 /// Where a search stands.
 struct Progress {
-  const char* phase = "";             ///< "presolve", "kernel", "reduction", "root", "search"
+  /// "presolve", "kernel", "reduction", "root", "tree", "enumeration", "rays", "box"
+  const char* phase = "";
   std::optional<QQ> best;             ///< target norm of the best point
   std::optional<QQ> bound;            ///< proved: no point has a lesser norm
   std::int64_t points = 0;            ///< points found
@@ -60,7 +61,7 @@ class Listener {
   /// targets and without limits of the norms each one is better than all before and than the known
   /// ones; otherwise each one is new.
   virtual void point(const Vector<QQ>& x) = 0;
-  /// At every change of phase and every doubling of the work.
+  /// At every change of phase, every improvement, and every few milliseconds of a search.
   virtual void progress(const Progress& progress) = 0;
   /// At phase `Progress::phase`, asked every few milliseconds of work; true ends the search.
   virtual bool stopRequested() = 0;

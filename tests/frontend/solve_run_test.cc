@@ -218,27 +218,27 @@ TEST_F(SolveRun, ShowsItsProgress) {
     progress.phase = "root";
     listener.progress(progress);
     progress.best = 7;
-    progress.points = 1;
     listener.progress(progress);
-    progress.phase = "search";
+    progress.phase = "tree";
     progress.bound = 3;
     listener.progress(progress);
     progress.treeNodes = 5;
     progress.enumerationNodes = 6;
-    progress.work = 100;
-    listener.progress(progress);
+    for (progress.work = 50; progress.work < 110; progress.work += 10) {
+      listener.progress(progress);
+    }
     return ended(Status::Optimal);
   };
   const std::string found = "0 s: target norm 7, bound -inf, gap inf, 0 nodes, root";
-  const std::string searching = "0 s: target norm 7, bound 3, gap 4, 0 nodes, search";
-  const std::string later = "0 s: target norm 7, bound 3, gap 4, 11 nodes, search";
+  const std::string searching = "0 s: target norm 7, bound 3, gap 4, 0 nodes, tree";
+  const std::string later = "0 s: target norm 7, bound 3, gap 4, 11 nodes, tree";
   const std::pair<std::string, std::string> cases[] = {
       {"0", ""},
-      {"1", found + "\n" + later + "\n"},
-      {"2", "0 s: 0 points, 0 nodes, root, tree 0, enumeration 0, work 0\n" + found +
+      {"1", found + "\n" + later + "\n" + later + "\n"},
+      {"2", "0 s: no point, 0 nodes, root, tree 0, enumeration 0, work 0\n" + found +
                 ", tree 0, enumeration 0, work 0\n" + searching +
-                ", tree 0, enumeration 0, work 0\n" + later +
-                ", tree 5, enumeration 6, work 100\n"}};
+                ", tree 0, enumeration 0, work 0\n" + later + ", tree 5, enumeration 6, work 50\n" +
+                later + ", tree 5, enumeration 6, work 100\n"}};
   for (const auto& [verbosity, expected] : cases) {
     const auto end =
         support::Child(body({}, working, {"x.opt", "--verb=" + verbosity})).finish(1min);
@@ -262,7 +262,7 @@ TEST_F(SolveRun, RenewsALineOnATerminal) {
       static_cast<std::size_t>(std::max<ssize_t>(read(terminal, shown.data(), shown.size()), 0)));
   close(terminal);
   close(other);
-  const std::string line = "0 s: 0 points, 0 nodes, ";
+  const std::string line = "0 s: no point, 0 nodes, ";
   EXPECT_TRUE(shown.starts_with("\r" + line + "\r")) << shown;
   EXPECT_GE(std::count(shown.begin(), shown.end(), '\r'), 4);
   EXPECT_LE(std::count(shown.begin(), shown.end(), '\r'), 8);

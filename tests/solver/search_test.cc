@@ -27,12 +27,18 @@ struct Collector : Listener {
     line << progress.phase << ' ' << progress.treeNodes << ' ' << progress.enumerationNodes << ' '
          << progress.work << '\n';
     log += line.str();
+    if (progress.phase == phase && progress.treeNodes > nodes) ++renewals;
+    phase = progress.phase;
+    nodes = progress.treeNodes;
   }
   bool stopRequested() override { return --questions < 0; }
 
   std::vector<Vector<QQ>> points;
   std::string log;
   std::int64_t questions;
+  std::string phase;
+  std::int64_t nodes = 0;
+  int renewals = 0;  ///< of the count of nodes within a phase
 };
 
 QQ inUnits(std::int64_t value) {
@@ -255,9 +261,10 @@ TEST(Search, EndsWhenToldTo) {
   }
   const Vexil<QQ> program = programOf("[ ][ ][ [ " + row + "] ][ " + std::to_string(sum / 2) +
                                       " ][ ][ ][ ][ " + zeros + "][ " + zeros + "][ " + ones + "]");
-  Collector collector(20);
+  Collector collector(200);
   EXPECT_EQ(solve(program, {}, {}, collector).status, Status::Unknown);
   EXPECT_GE(collector.questions, -3);
+  EXPECT_GT(collector.renewals, 0);
 }
 
 }  // namespace
