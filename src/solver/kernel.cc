@@ -2,6 +2,8 @@
 #include "solver/kernel.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <optional>
 #include <utility>
 
 #include "foundation/work_meter.h"
@@ -62,11 +64,11 @@ class KernelBuilder {
     return nullptr;
   }
 
-  [[nodiscard]] LatticeBasis take(bool ordered) const {
+  [[nodiscard]] LatticeBasis take() const {
     LatticeBasis result;
     result.x0 = toZZ(x0_);
     for (const std::vector<Integer>& row : basis_.rows) result.K.push_back(toZZ(row));
-    result.ordered = ordered;
+    result.ordered = true;
     return result;
   }
 
@@ -143,6 +145,84 @@ class KernelBuilder {
   std::vector<Integer> values_;  ///< of the equation in work on the rows
 };
 
+/// Solves each equation for a variable whose coefficient is 1 or -1. As long as the entries stay
+/// small the basis is as sparse as the equations, its rows are as good as unit vectors, and there
+/// is nothing to reduce.
+class Substitution {
+ public:
+  explicit Substitution(const Model& model) : x0_(model.n) {
+    for (std::size_t i = 0; i < model.n; ++i) {
+      if (model.isFixed(i)) {
+        x0_[i] = model.lower[i].value;
+      } else {
+        rows_.emplace_back(model.n)[i] = 1;
+      }
+    }
+  }
+
+  /// False if it leads to no such basis.
+  bool add(const Equation& equation) {
+    std::vector<int> values;
+    std::size_t pivot = rows_.size();
+    std::size_t least = 0;
+    for (std::size_t k = 0; k < rows_.size(); ++k) {
+      const std::vector<int>& row = rows_[k];
+      Integer sum;
+      for (std::size_t j = 0; j < equation.a.size(); ++j) {
+        if (row[equation.support[j]] != 0) sum.addProduct(equation.a[j], row[equation.support[j]]);
+      }
+      if (abs(sum) > MOST_ENTRY) return false;
+      values.push_back(static_cast<int>(sum.word()));
+      if (std::abs(values[k]) != 1) continue;
+      const auto entries =
+          row.size() - static_cast<std::size_t>(std::count(row.begin(), row.end(), 0));
+      if (pivot == rows_.size() || entries <= least) {
+        pivot = k;
+        least = entries;
+      }
+    }
+    if (pivot == rows_.size()) return false;
+    const Integer rest =
+        values[pivot] * (equation.rightHandSide - equation.product(toIntegers(x0_)));
+    const std::vector<int> pivotRow = rows_[pivot];
+    for (std::size_t i = 0; i < x0_.size(); ++i) {
+      if (pivotRow[i] != 0) x0_[i] = x0_[i] + (rest * Integer(pivotRow[i])).zz();
+    }
+    for (std::size_t k = 0; k < rows_.size(); ++k) {
+      if (k == pivot || values[k] == 0) continue;
+      const int factor = values[k] * values[pivot];
+      for (std::size_t i = 0; i < x0_.size(); ++i) {
+        rows_[k][i] -= factor * pivotRow[i];
+        if (std::abs(rows_[k][i]) > MOST_ENTRY) return false;
+      }
+    }
+    rows_.erase(rows_.begin() + static_cast<std::ptrdiff_t>(pivot));
+    return true;
+  }
+
+  [[nodiscard]] LatticeBasis take() const {
+    LatticeBasis result;
+    result.x0 = x0_;
+    for (const std::vector<int>& row : rows_) result.K.emplace_back(row.begin(), row.end());
+    return result;
+  }
+
+ private:
+  static constexpr int MOST_ENTRY = 3;
+
+  std::vector<ZZ> x0_;
+  std::vector<std::vector<int>> rows_;
+};
+
+std::optional<LatticeBasis> substituted(const Model& model,
+                                        const std::vector<Equation>& equations) {
+  Substitution substitution(model);
+  for (const Equation& equation : equations) {
+    if (!substitution.add(equation)) return std::nullopt;
+  }
+  return substitution.take();
+}
+
 }  // namespace
 
 LatticeBasis kernel(const Model& model, StopToken& stop) {
@@ -153,6 +233,7 @@ LatticeBasis kernel(const Model& model, StopToken& stop) {
   }
   std::stable_sort(equations.begin(), equations.end(),
                    [](const Equation& a, const Equation& b) { return a.a.size() < b.a.size(); });
+  if (std::optional<LatticeBasis> plain = substituted(model, equations)) return *std::move(plain);
   KernelBuilder builder(model, meter);
   for (const Equation& equation : equations) {
     const char* const contradiction = builder.add(equation);
@@ -161,7 +242,7 @@ LatticeBasis kernel(const Model& model, StopToken& stop) {
     none.contradiction = contradiction;
     return none;
   }
-  return builder.take(!equations.empty());
+  return builder.take();
 }
 
 }  // namespace vexil::solver

@@ -85,6 +85,13 @@ int scaleOf(const double* entries, Index d) {
   return s;
 }
 
+/// Leaves room for the products of coordinates and entries that points are evaluated by.
+template <typename Z>
+bool isRange(const Z& bound) {
+  const Z limit(1LL << 56);
+  return !(bound > limit) && !(bound < -limit);
+}
+
 /// What an exact row of the inverse proves: 2^s lambda_k in [low, high] + error * max |lambda|.
 struct RowRange {
   ZZ scale;
@@ -122,11 +129,43 @@ std::optional<RowRange> rowRange(const FormSystem<Z>& system, const Inverse& inv
   return range;
 }
 
+/// The form that is lambda_k plus a constant; F if there is none.
+template <typename Z>
+Index formOfCoordinate(const FormSystem<Z>& system, Index k) {
+  const auto isCoordinate = [&](Index f) {
+    if (!(system.entry(k, f) == Z(1))) return false;
+    for (Index j = 0; j < system.dimension; ++j) {
+      if (j != k && signOf(system.entry(j, f)) != 0) return false;
+    }
+    return true;
+  };
+  Index f = 0;
+  while (f < system.count && !isCoordinate(f)) ++f;
+  return f;
+}
+
+/// The ranges where each coordinate is a form.
+template <typename Z>
+std::optional<CoordinateRanges<Z>> rangesOfForms(const FormSystem<Z>& system) {
+  CoordinateRanges<Z> ranges;
+  for (Index k = 0; k < system.dimension; ++k) {
+    const Index f = formOfCoordinate(system, k);
+    if (f == system.count) return std::nullopt;
+    ranges.lower.push_back(system.lower[f] - system.offset[f]);
+    ranges.upper.push_back(system.upper[f] - system.offset[f]);
+    if constexpr (!std::is_same_v<Z, ZZ>) {
+      if (!isRange(ranges.lower[k]) || !isRange(ranges.upper[k])) return std::nullopt;
+    }
+  }
+  return ranges;
+}
+
 }  // namespace
 
 template <typename Z>
 std::optional<CoordinateRanges<Z>> coordinateRanges(const FormSystem<Z>& system) {
   const Index d = system.dimension;
+  if (auto ranges = rangesOfForms(system)) return ranges;
   const std::optional<Inverse> inverse = invert(system);
   if (!inverse) return std::nullopt;
   std::vector<RowRange> rows;
@@ -146,9 +185,7 @@ std::optional<CoordinateRanges<Z>> coordinateRanges(const FormSystem<Z>& system)
     const ZZ low = ceilDivide<ZZ>(row.low - row.error * greatest, row.scale);
     const ZZ high = floorDivide<ZZ>(row.high + row.error * greatest, row.scale);
     if constexpr (!std::is_same_v<Z, ZZ>) {
-      // Room for the products of coordinates and entries that points are evaluated by.
-      static const ZZ limit(1LL << 56);
-      if (abs(low) > limit || abs(high) > limit) return std::nullopt;
+      if (!isRange(low) || !isRange(high)) return std::nullopt;
     }
     ranges.lower.push_back(fromZZ<Z>(low));
     ranges.upper.push_back(fromZZ<Z>(high));

@@ -21,8 +21,18 @@ Tree<Z>::Tree(const FormSystem<Z>& formSystem, Relaxation<Z>& rootRelaxation,
       relaxation(rootRelaxation),
       state(searchState),
       stop(stopToken),
-      pseudoCosts(formSystem.dimension),
-      candidate(formSystem.dimension) {}
+      pseudoCosts(rootRelaxation.items().count),
+      candidate(formSystem.dimension) {
+  const ItemSystem<Z>& items = relaxation.items();
+  if (forms.ordered) {
+    candidates = items.parameterItem;
+    candidates.resize(forms.dimension);
+    return;
+  }
+  for (std::size_t f = 0; f < items.forms; ++f) {
+    if (forms.kind[f] == FormKind::Variable) candidates.push_back(f);
+  }
+}
 
 template <typename Z>
 RunEnd Tree<Z>::run(std::int64_t budget) {
@@ -63,7 +73,7 @@ void Tree<Z>::descend() {
 template <typename Z>
 bool Tree<Z>::enterNextChild() {
   Frame& frame = frames.back();
-  const std::size_t item = relaxation.items().parameterItem[frame.coordinate];
+  const std::size_t item = frame.item;
   while (frame.next < frame.count) {
     const Child& child = frame.children[frame.next++];
     share = frame.share;
@@ -97,19 +107,17 @@ void Tree<Z>::processNode() {
 template <typename Z>
 void Tree<Z>::branch() {
   if (!relaxation.solved()) {
-    const std::size_t k = lastUnfixed();
-    const std::size_t item = relaxation.items().parameterItem[k];
+    const std::size_t item = lastUnfixed();
     const Z width = relaxation.upper(item) - relaxation.lower(item);
-    split(k, relaxation.lower(item) + floorDivide<Z>(width, Z(2)));
+    split(item, relaxation.lower(item) + floorDivide<Z>(width, Z(2)));
     return;
   }
-  const std::size_t k = forms.ordered ? chooseOrdered() : chooseLearned();
-  if (k != NONE) {
-    const std::size_t item = relaxation.items().parameterItem[k];
+  const std::size_t item = forms.ordered ? chooseOrdered() : chooseLearned();
+  if (item != NONE) {
     const double value = relaxation.linearProgram().value(item);
-    Z below = rounded(k);
+    Z below = rounded(item);
     if (toDouble(below) > value) below = below - Z(1);
-    split(k, std::clamp(below, relaxation.lower(item), Z(relaxation.upper(item) - Z(1))));
+    split(item, std::clamp(below, relaxation.lower(item), Z(relaxation.upper(item) - Z(1))));
     return;
   }
   const bool lowered = offerSolution();
@@ -124,36 +132,32 @@ void Tree<Z>::branch() {
 }
 
 template <typename Z>
-bool Tree<Z>::isFixed(std::size_t k) const {
-  return relaxation.isFixed(relaxation.items().parameterItem[k]);
-}
-
-template <typename Z>
 std::size_t Tree<Z>::lastUnfixed() const {
-  for (std::size_t k = forms.dimension; k-- > 0;) {
-    if (!isFixed(k)) return k;
+  for (std::size_t i = candidates.size(); i-- > 0;) {
+    if (!relaxation.isFixed(candidates[i])) return candidates[i];
   }
   return NONE;
 }
 
-/// The distance of coordinate k from the integers.
+/// The distance of an item from the integers.
 template <typename Z>
-double Tree<Z>::fraction(std::size_t k) const {
-  const double value = relaxation.linearProgram().value(relaxation.items().parameterItem[k]);
+double Tree<Z>::fraction(std::size_t item) const {
+  const double value = relaxation.linearProgram().value(item);
   return std::fabs(value - std::rint(value));
 }
 
 template <typename Z>
 std::size_t Tree<Z>::chooseOrdered() const {
-  for (std::size_t k = forms.dimension; k-- > 0;) {
-    if (!isFixed(k) && fraction(k) > INTEGRAL) return k;
+  for (std::size_t i = candidates.size(); i-- > 0;) {
+    const std::size_t item = candidates[i];
+    if (!relaxation.isFixed(item) && fraction(item) > INTEGRAL) return item;
   }
   return NONE;
 }
 
 template <typename Z>
-double Tree<Z>::pseudoCost(std::size_t k, int side) const {
-  const PseudoCost& own = pseudoCosts[k];
+double Tree<Z>::pseudoCost(std::size_t item, int side) const {
+  const PseudoCost& own = pseudoCosts[item];
   if (own.count[side] > 0) return own.sum[side] / own.count[side];
   double sum = 0;
   int count = 0;
@@ -169,17 +173,18 @@ template <typename Z>
 std::size_t Tree<Z>::chooseLearned() const {
   std::size_t best = NONE;
   double greatest = -1;
-  for (std::size_t k = forms.dimension; k-- > 0;) {
-    if (isFixed(k) || fraction(k) <= INTEGRAL) continue;
-    const double value = relaxation.linearProgram().value(relaxation.items().parameterItem[k]);
+  for (std::size_t i = candidates.size(); i-- > 0;) {
+    const std::size_t item = candidates[i];
+    if (relaxation.isFixed(item) || fraction(item) <= INTEGRAL) continue;
+    const double value = relaxation.linearProgram().value(item);
     double below = value - std::rint(value);
     if (below < 0) below += 1;
-    const double gainBelow = std::max(LEAST_GAIN, pseudoCost(k, 0) * below);
-    const double gainAbove = std::max(LEAST_GAIN, pseudoCost(k, 1) * (1 - below));
+    const double gainBelow = std::max(LEAST_GAIN, pseudoCost(item, 0) * below);
+    const double gainAbove = std::max(LEAST_GAIN, pseudoCost(item, 1) * (1 - below));
     const double score = gainBelow * gainAbove;
     if (score > greatest) {
       greatest = score;
-      best = k;
+      best = item;
     }
   }
   return best;
@@ -192,22 +197,21 @@ void Tree<Z>::learn(const Frame& frame) {
   if (!relaxation.solved() || objective == NONE) return;
   const int side = frame.children[frame.next - 1].upward ? 1 : 0;
   const double rise = std::max(0.0, relaxation.linearProgram().value(objective) - frame.objective);
-  PseudoCost& cost = pseudoCosts[frame.coordinate];
+  PseudoCost& cost = pseudoCosts[frame.item];
   cost.sum[side] += rise / frame.distance[side];
   ++cost.count[side];
   frames.back().learns = frame.next < frame.count;
 }
 
-/// Children up to `below` and above it, the nearer one first.
+/// Children with `item` up to `below` and above it, the nearer one first.
 template <typename Z>
-void Tree<Z>::split(std::size_t k, const Z& below) {
+void Tree<Z>::split(std::size_t item, const Z& below) {
   const ItemSystem<Z>& items = relaxation.items();
-  const std::size_t item = items.parameterItem[k];
   const double value = relaxation.linearProgram().value(item);
   const double distance = std::clamp(value - toDouble(below), 0.0, 1.0);
   Frame frame{};
   frame.trail = relaxation.mark();
-  frame.coordinate = k;
+  frame.item = item;
   frame.share = share / 2;
   frame.learns = relaxation.solved() && !forms.ordered && items.objective != NONE;
   if (frame.learns) frame.objective = relaxation.linearProgram().value(items.objective);
@@ -222,13 +226,12 @@ void Tree<Z>::split(std::size_t k, const Z& below) {
   descend();
 }
 
-/// Children at `middle`, above and below it.
+/// Children with `item` at `middle`, above and below it.
 template <typename Z>
-void Tree<Z>::splitAround(std::size_t k, const Z& middle) {
-  const std::size_t item = relaxation.items().parameterItem[k];
+void Tree<Z>::splitAround(std::size_t item, const Z& middle) {
   Frame frame{};
   frame.trail = relaxation.mark();
-  frame.coordinate = k;
+  frame.item = item;
   frame.children[frame.count++] = {middle, middle, true};
   if (relaxation.upper(item) > middle) {
     frame.children[frame.count++] = {middle + Z(1), relaxation.upper(item), true};
@@ -241,10 +244,9 @@ void Tree<Z>::splitAround(std::size_t k, const Z& middle) {
   descend();
 }
 
-/// Coordinate k of the solution as an integer within its present range, as its item counts.
+/// The value of an item in the solution as an integer within its present range.
 template <typename Z>
-Z Tree<Z>::rounded(std::size_t k) const {
-  const std::size_t item = relaxation.items().parameterItem[k];
+Z Tree<Z>::rounded(std::size_t item) const {
   const double value = relaxation.linearProgram().value(item);
   if (!(value > toDouble(relaxation.lower(item)))) return relaxation.lower(item);
   if (!(value < toDouble(relaxation.upper(item)))) return relaxation.upper(item);
@@ -255,7 +257,8 @@ template <typename Z>
 bool Tree<Z>::offerSolution() {
   const ItemSystem<Z>& items = relaxation.items();
   for (std::size_t k = 0; k < forms.dimension; ++k) {
-    candidate[k] = rounded(k) - items.offset[items.parameterItem[k]];
+    const std::size_t item = items.parameterItem[k];
+    candidate[k] = rounded(item) - items.offset[item];
   }
   return relaxation.offer(candidate);
 }

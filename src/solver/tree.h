@@ -9,10 +9,10 @@
 
 namespace vexil::solver {
 
-/// Branch and bound (Land and Doig 1960) on the coordinates of a lattice basis (Aardal, Hurkens and
-/// Lenstra 2000), depth first on an explicit stack that resumes. Where equations order the
-/// coordinates it branches on the last one that is fractional; without that order it learns which
-/// ones move the objective (pseudo-costs, Benichou and others 1971).
+/// Branch and bound (Land and Doig 1960), depth first on an explicit stack that resumes. Where
+/// equations order the coordinates of the lattice basis it branches on the last one that is
+/// fractional (Aardal, Hurkens and Lenstra 2000); without that order on a variable, and it learns
+/// which ones move the objective (pseudo-costs, Benichou and others 1971).
 ///
 /// A node is given up only where the relaxation proved it empty, or all its coordinates are fixed
 /// and the one point was offered. What looks empty and cannot be proved so is split further.
@@ -32,7 +32,7 @@ class Tree {
   [[nodiscard]] double progress() const { return done; }
 
  private:
-  /// A part of the range of a coordinate's item.
+  /// A part of the range of an item.
   struct Child {
     Z lower;
     Z upper;
@@ -40,7 +40,7 @@ class Tree {
   };
   struct Frame {
     std::size_t trail;
-    std::size_t coordinate;
+    std::size_t item;    ///< the one that is split
     double share;        ///< of each child
     double objective;    ///< of the linear program, where `learns`
     double distance[2];  ///< from the solution to the child below and above
@@ -63,13 +63,12 @@ class Tree {
   void branch();
   [[nodiscard]] std::size_t chooseOrdered() const;
   [[nodiscard]] std::size_t chooseLearned() const;
-  [[nodiscard]] double pseudoCost(std::size_t k, int side) const;
-  void split(std::size_t k, const Z& below);
-  void splitAround(std::size_t k, const Z& middle);
+  [[nodiscard]] double pseudoCost(std::size_t item, int side) const;
+  void split(std::size_t item, const Z& below);
+  void splitAround(std::size_t item, const Z& middle);
   bool offerSolution();
-  [[nodiscard]] bool isFixed(std::size_t k) const;
-  [[nodiscard]] double fraction(std::size_t k) const;
-  [[nodiscard]] Z rounded(std::size_t k) const;
+  [[nodiscard]] double fraction(std::size_t item) const;
+  [[nodiscard]] Z rounded(std::size_t item) const;
   [[nodiscard]] std::size_t lastUnfixed() const;
 
   const FormSystem<Z>& forms;
@@ -77,7 +76,8 @@ class Tree {
   SearchState<Z>& state;
   StopToken& stop;
   std::vector<Frame> frames;
-  std::vector<PseudoCost> pseudoCosts;
+  std::vector<PseudoCost> pseudoCosts;  ///< by item
+  std::vector<std::size_t> candidates;  ///< the items that are branched on
   std::vector<Z> candidate;
   bool ended = false;
   double share = 1;
