@@ -230,11 +230,11 @@ String solveHelpText() {
             meaning->text + "\n";
   }
   return text +
-         "  --names=1       0: vectors in place of names, where the file has names\n"
-         "  --targets=0     1: all target rows of an MPS file, not the first alone\n"
-         "  --decimals=k    variables that are not integer are multiples of 10^-k (LP, MPS)\n"
-         "\n  --help          this text\n  --version       the version\n"
-         "  --              the words behind it are no options\n"
+         "  --names=1     0: vectors in place of names, where the file has names\n"
+         "  --targets=0   1: all target rows of an MPS file, not the first alone\n"
+         "  --decimals=k  variables that are not integer are multiples of 10^-k (LP, MPS)\n"
+         "\n  --help        this text\n  --version     the version\n"
+         "  --            the words behind it are no options\n"
          "\nThe values shown are the defaults. Accepted, without effect here:\n " +
          idle +
          "\n\nThe first line of the output is the answer:\n"

@@ -18,15 +18,21 @@ namespace vexil {
 
 namespace {
 
-solver::Settings settingsOf(const SolveOptions& options) {
+/// Without targets norms limit nothing.
+solver::Settings settingsOf(const SolveOptions& options, bool hasTargets) {
   solver::Settings settings;
   settings.enumeration = options.enumeration;
   settings.blockSize = static_cast<int>(options.blockSize);
   settings.deep = options.deep;
   settings.rounds = options.rounds;
   settings.wanted = options.wanted;
-  settings.targetLimit = options.tnorm;
-  settings.slackLimit = options.snorm;
+  if (hasTargets) {
+    settings.targetLimit = options.tnorm;
+    settings.slackLimit = options.snorm;
+  } else {
+    if (options.tnorm) warn("--tnorm has no effect without targets");
+    if (options.snorm) warn("--snorm has no effect without targets");
+  }
   return settings;
 }
 
@@ -50,8 +56,8 @@ void printReport(const Vexil<QQ>& program, const StarStore& store, bool byName) 
 int search(const Vexil<QQ>& program, const SolveOptions& options, const Solver& solve,
            SolveWatch::Clock::time_point start) {
   StatusLine screen(isatty(STDERR_FILENO) != 0);
-  const solver::Settings settings = settingsOf(options);
   const bool hasTargets = program.dt.MN > 0;
+  const solver::Settings settings = settingsOf(options, hasTargets);
   const bool everyPointCounts = !hasTargets || settings.targetLimit || settings.slackLimit;
   StarStore store(program, program.solFile, [&](const String& text) { screen.warnAbove(text); });
   SolveWatch watch(options, store, screen, start, everyPointCounts);

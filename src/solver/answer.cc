@@ -45,7 +45,7 @@ std::string firstLine(const Outcome& outcome, const Settings& settings, bool has
       return "feasible: " + (outcome.ray.MN > 0 ? "infinitely many points"
                                                 : countText(outcome, settings, "point"));
     case Status::Infeasible:
-      return "infeasible: there is no point";
+      return "infeasible: there is no point" + withinText(settings);
     case Status::Reached:
       return "reached: " + countText(outcome, settings, "star") + withinText(settings);
     case Status::Unbounded:

@@ -56,7 +56,7 @@ class KernelBuilder {
     removeValues();
     const std::size_t last = eliminate();
     if (last == NONE) return rest.isZero() ? nullptr : "equations contradict each other";
-    if (!divides(values_[last], rest)) return "gcd of an equation";
+    if (!divides(values_[last], rest)) return "the equations have no integral point";
     subtractMultiple(x0_, -exactQuotient(rest, values_[last]), basis_.rows[last]);
     basis_.rows.erase(basis_.rows.begin() + static_cast<std::ptrdiff_t>(last));
     lllReduce(basis_, {}, meter_);

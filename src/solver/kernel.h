@@ -18,8 +18,8 @@ struct LatticeBasis {
 };
 
 /// All integral points of the equations and fixed variables of `model`, one equation after the
-/// other; the rows reduced on the way. Contradictions: "equations contradict each other",
-/// "gcd of an equation". Throws `Stopped`.
+/// other; the rows reduced on the way. Contradictions: "equations contradict each other", "the
+/// equations have no integral point". Throws `Stopped`.
 [[nodiscard]] LatticeBasis kernel(const Model& model, StopToken& stop);
 
 }  // namespace vexil::solver

@@ -13,6 +13,8 @@ namespace vexil::solver {
 namespace {
 
 constexpr int MOST_ROUNDS = 30;
+constexpr const char* NO_VALUE = "no value is left for a variable";
+constexpr const char* NO_REACH = "a row cannot come within its bounds";
 constexpr std::int64_t ARTIFICIAL_WIDTH = std::int64_t{1} << 20;
 
 /// Work for a coefficient of a row.
@@ -93,7 +95,7 @@ class Presolver {
 
   const char* run() {
     for (const Range& range : box_) {
-      if (range.isEmpty()) return "bounds of a variable";
+      if (range.isEmpty()) return NO_VALUE;
     }
     bool changed = true;
     for (int round = 0; changed && round < MOST_ROUNDS; ++round) {
@@ -148,7 +150,7 @@ class Presolver {
       row.dropped = true;
       const bool holds =
           !(range.lower && range.lower->sign() > 0) && !(range.upper && range.upper->sign() < 0);
-      if (!holds) contradiction_ = "activity of a row";
+      if (!holds) contradiction_ = NO_REACH;
       return;
     }
     if (divisor == 1) return;
@@ -157,7 +159,7 @@ class Presolver {
     }
     if (range.lower) range.lower = ceilQuotient(*range.lower, divisor);
     if (range.upper) range.upper = floorQuotient(*range.upper, divisor);
-    if (range.isEmpty()) contradiction_ = "gcd of a row";
+    if (range.isEmpty()) contradiction_ = "no multiple of the gcd of a row is within its bounds";
   }
 
   void sumActivity(const std::vector<Coefficient>& coefficients) {
@@ -173,7 +175,7 @@ class Presolver {
     Range& range = row.range;
     if ((range.upper && least_.isFinite() && least_.finite > *range.upper) ||
         (range.lower && greatest_.isFinite() && greatest_.finite < *range.lower)) {
-      contradiction_ = "activity of a row";
+      contradiction_ = NO_REACH;
       return;
     }
     if (range.isPoint()) return;
@@ -197,7 +199,7 @@ class Presolver {
         const auto rest = leftOver(*row.range.lower, greatest_, before.greatest(a), a);
         if (rest) a.sign() > 0 ? raise(variable, *rest, a) : lower(variable, *rest, a);
       }
-      if (box_[variable].isEmpty()) contradiction_ = "bounds of a variable";
+      if (box_[variable].isEmpty()) contradiction_ = NO_VALUE;
     }
   }
 
@@ -251,7 +253,7 @@ class Presolver {
       const bool isFree = !lower.finite && !upper.finite;
       if (!lower.finite) lower = {true, true, isFree ? -width : upper.value - width};
       if (!upper.finite) upper = {true, true, isFree ? width : lower.value + width};
-      if (lower.value > upper.value) contradiction_ = "artificial bounds of a variable";
+      if (lower.value > upper.value) contradiction_ = NO_VALUE;
     }
   }
 

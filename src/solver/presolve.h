@@ -21,9 +21,9 @@ namespace vexil::solver {
 /// sides: artificial ones stay, and those that are missing are put in, 2^20 beyond the other side
 /// or +-2^20, and marked artificial.
 ///
-/// Returns nullptr, or in words why the model has no point: "gcd of a row", "activity of a row",
-/// "bounds of a variable"; "artificial bounds of a variable" if there is none as far as the
-/// artificial sides reach. Then the model is of no further use. Throws `Stopped`.
+/// Returns nullptr, or in words why the model has no point: "no multiple of the gcd of a row is
+/// within its bounds", "a row cannot come within its bounds", "no value is left for a variable".
+/// Then the model is of no further use. Throws `Stopped`.
 [[nodiscard]] const char* presolve(Model& model, StopToken& stop);
 
 }  // namespace vexil::solver

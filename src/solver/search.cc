@@ -1,6 +1,7 @@
 // Vexil - exact integer optimization on lattices.
 #include "solver/search.h"
 
+#include "foundation/failure.h"
 #include "solver/basis.h"
 #include "solver/incumbent.h"
 #include "solver/kernel.h"
@@ -65,7 +66,7 @@ class Search : public StopToken {
       LatticeBasis basis = kernel(model, *this);
       if (basis.contradiction) {
         boxed = false;  // no bound has a part in this
-        return proved(basis.contradiction);
+        return lattices > 1 ? provedBySearch() : proved(basis.contradiction);
       }
       if (basis.K.empty()) {
         boxed = false;
@@ -78,10 +79,10 @@ class Search : public StopToken {
       LatticeEnd end = LatticeEnd::Unusable;
       if (isNarrowSystem(model, basis)) end = searchLattice<std::int64_t>(basis, mayNarrow);
       if (end == LatticeEnd::Unusable) end = searchLattice<ZZ>(basis, mayNarrow);
-      if (end == LatticeEnd::Exhausted) return proved("search");
+      if (end == LatticeEnd::Exhausted) return provedBySearch();
       if (end != LatticeEnd::Narrowed) return false;
       enter("presolve");
-      if (const char* reason = presolve(model, *this)) return proved(reason);
+      if (presolve(model, *this)) return provedBySearch();
     }
   }
 
@@ -99,7 +100,6 @@ class Search : public StopToken {
         if (outcome.points > 0) {
           outcome.status = program.dt.MN > 0 ? Status::Unbounded : Status::Feasible;
           outcome.ray = ray;
-          outcome.proof = "a ray and a point";
         }
         return outcome;
       }
@@ -109,6 +109,7 @@ class Search : public StopToken {
     Outcome outcome = answer(complete);
     if (!complete || !boxed || incumbent.enough() || isWhole(whole)) return outcome;
     outcome.complete = false;
+    outcome.proof.clear();
     outcome.limitation = IN_THE_BOX;
     outcome.status = incumbent.points() > 0 ? Status::BestSoFar : Status::Unknown;
     outcome.bound.reset();
@@ -180,6 +181,14 @@ class Search : public StopToken {
     return true;
   }
 
+  bool provedBySearch() {
+    const auto [tree, enumeration] = std::pair(progress.treeNodes, progress.enumerationNodes);
+    proof = tree + enumeration == 0 ? "search, at its root"
+                                    : joined("search, ", tree, " nodes of the tree and ",
+                                             enumeration, " of the enumeration");
+    return true;
+  }
+
   void enter(const char* phase) {
     progress.phase = phase;
     progress.best = incumbent.best();
@@ -208,7 +217,7 @@ class Search : public StopToken {
     outcome.bound = outcome.status == Status::Optimal ? incumbent.best() : progress.bound;
     outcome.points = incumbent.points();
     outcome.complete = complete && !incumbent.enough();
-    outcome.proof = proof;
+    if (outcome.complete) outcome.proof = proof;
     outcome.effort = progress;
     return outcome;
   }

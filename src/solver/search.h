@@ -79,8 +79,10 @@ struct Outcome {
   /// `Feasible` where there are infinitely many points. Empty: none.
   Vector<QQ> ray;
   std::string limitation;  ///< in words, what a claim is limited to; empty: it is not
-  std::string proof;       ///< in words, what the claim rests on, e.g. "tree", "gcd of a row"
-  Progress effort;         ///< the counts at the end
+  /// In words, why there is no other wanted point, e.g. "a row cannot come within its bounds" or
+  /// "search, 5 nodes of the tree and 0 of the enumeration". Empty where that is not claimed.
+  std::string proof;
+  Progress effort;  ///< the counts at the end
 };
 
 /// Searches `program`, read and validated, `known` being points of its sol file that are known to

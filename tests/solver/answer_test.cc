@@ -27,6 +27,8 @@ TEST(Answer, SaysTheStatusAndWhatItIsAbout) {
       {Status::Feasible, none, none, 2, 5, true, none, none, false, 0, "feasible: all 2 points"},
       {Status::Infeasible, none, none, 0, 1, true, none, none, true, 0,
        "infeasible: there is no point"},
+      {Status::Infeasible, none, none, 0, 1, true, 2, 0, true, 0,
+       "infeasible: there is no point within target norm 2 and slack norm 0"},
       {Status::Reached, 7, none, 3, 3, false, 9, none, true, 0,
        "reached: 3 stars within target norm 9"},
       {Status::Reached, 7, 7, 1, 0, true, QQ("1/2"), 4, true, 0,
