@@ -122,7 +122,12 @@ template <typename T>
 template <typename T>
 [[nodiscard]] Vector<T> operator*(const Vector<T>& v, const Matrix<T>& A);
 
+extern template class Array<Vector<dbl_t>>;
+extern template class ConversionArray<Vector<dbl_t>>;
 extern template class Matrix<dbl_t>;
+extern template class Array<Matrix<dbl_t>>;
+extern template class ConversionArray<Matrix<dbl_t>>;
+extern template class SerializableArray<Matrix<dbl_t>>;
 extern template Vector<dbl_t> operator*(const Vector<dbl_t>&, const Matrix<dbl_t>&);
 
 }  // namespace vexil

@@ -107,6 +107,12 @@ template <typename T>
   return true;
 }
 
+extern template class Array<dbl_t>;
+extern template class Array<long>;
+extern template class ConversionArray<dbl_t>;
+extern template class ConversionArray<long>;
+extern template class SerializableArray<dbl_t>;
+extern template class SerializableArray<long>;
 extern template class Vector<dbl_t>;
 extern template class Vector<long>;
 

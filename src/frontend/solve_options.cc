@@ -214,9 +214,10 @@ String solveUsageLine() {
 }
 
 String solveHelpText() {
-  String text = solveUsageLine() +
-                "\nSearches the program of model.opt for its best point, or for points, and keeps "
-                "all that it\nfinds in model.sol. What it claims is proved in exact numbers.\n\n";
+  String text =
+      joined(solveUsageLine(),
+             "\nSearches the program of model.opt for its best point, or for points, and keeps "
+             "all that it\nfinds in model.sol. What it claims is proved in exact numbers.\n\n");
   constexpr std::size_t WIDTH = 16;
   String idle;
   for (const Word& word : defaultWords()) {

@@ -26,6 +26,9 @@ Lattice<T, U>& Lattice<T, U>::operator=(const Lattice& source) {
 }
 
 template <typename T, typename U>
+Lattice<T, U>::~Lattice() = default;
+
+template <typename T, typename U>
 Lattice<T, U>::Lattice(std::shared_ptr<MainMutexVars> sharedCells)
     : cells(std::move(sharedCells)),
       intervalLimit(static_cast<std::int64_t>(params.pairLimit.current)) {

@@ -64,7 +64,7 @@ class Lattice : public Vexil<T> {
   /// A copy sees the cells of its source.
   Lattice(const Lattice& source);
   Lattice& operator=(const Lattice& source);
-  ~Lattice() override = default;
+  ~Lattice() override;
 
   /// Derives `optFile`, `solFile` and `latFile` from the name of the sol file: the ending, from the
   /// last dot of the last path component on, is replaced. A name that is nothing but an ending
@@ -361,5 +361,10 @@ class Lattice : public Vexil<T> {
   bool toBackup(Vector<T>& vector, std::int8_t mode, std::int64_t cut) const;
   void fromBackup(Vector<T>& vector, std::int8_t mode) const;
 };
+
+extern template class Lattice<dbl_t, dbl_t>;
+extern template class Lattice<QQ, dbl_t>;
+extern template class Lattice<dbl_t, QQ>;
+extern template class Lattice<QQ, QQ>;
 
 }  // namespace vexil

@@ -70,4 +70,9 @@ class ExtendedParams : public Params {
   }
 };
 
+extern template class Param<dbl_t>;
+extern template class Param<QQ>;
+extern template class ExtendedParams<dbl_t>;
+extern template class ExtendedParams<QQ>;
+
 }  // namespace vexil

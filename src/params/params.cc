@@ -55,4 +55,11 @@ void Params::read(std::istream& in) {
   } while (!in.eof() && !nextIs(in, '\n'));
 }
 
+template class Param<bool>;
+template class Param<float>;
+template class Param<long>;
+template class Param<unsigned long>;
+template class Param<MutexType<long>>;
+template class MutexParam<long>;
+
 }  // namespace vexil

@@ -55,4 +55,11 @@ class Params : public Serializable {
   void read(std::istream& in) override;
 };
 
+extern template class Param<bool>;
+extern template class Param<float>;
+extern template class Param<long>;
+extern template class Param<unsigned long>;
+extern template class Param<MutexType<long>>;
+extern template class MutexParam<long>;
+
 }  // namespace vexil

@@ -9,6 +9,8 @@ namespace vexil {
 
 template class Star<dbl_t>;
 template class Star<QQ>;
+template class Array<Star<dbl_t>>;
+template class Array<Star<QQ>>;
 template bool operator<(const Star<dbl_t>&, const Star<dbl_t>&);
 template bool operator<(const Star<QQ>&, const Star<QQ>&);
 template void sort(Array<Star<dbl_t>>&);

@@ -69,6 +69,8 @@ void convert(const Star<S>& source, Star<T>& target, bool check) {
 
 extern template class Star<dbl_t>;
 extern template class Star<QQ>;
+extern template class Array<Star<dbl_t>>;
+extern template class Array<Star<QQ>>;
 extern template bool operator<(const Star<dbl_t>&, const Star<dbl_t>&);
 extern template bool operator<(const Star<QQ>&, const Star<QQ>&);
 extern template void sort(Array<Star<dbl_t>>&);

@@ -2,3 +2,11 @@
 #include "program/vexil.tcc"
 
 #include "program/instantiate.h"
+
+namespace vexil {
+
+template class SerializableArray<FreedomDegree>;
+template class Array<Pair<long, dbl_t>>;
+template class Array<Pair<long, QQ>>;
+
+}  // namespace vexil

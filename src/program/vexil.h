@@ -65,9 +65,9 @@ class Vexil {
   }
 
   Vexil();
-  Vexil(const Vexil&) = default;
-  Vexil& operator=(const Vexil&) = default;
-  virtual ~Vexil() = default;
+  Vexil(const Vexil&);
+  Vexil& operator=(const Vexil&);
+  virtual ~Vexil();
 
   // --- program/vexil.tcc ---
 
@@ -201,5 +201,11 @@ class Vexil {
   void checkEquations() const;
   void shiftToZero();
 };
+
+extern template class SerializableArray<FreedomDegree>;
+extern template class Array<Pair<long, dbl_t>>;
+extern template class Array<Pair<long, QQ>>;
+extern template class Vexil<dbl_t>;
+extern template class Vexil<QQ>;
 
 }  // namespace vexil

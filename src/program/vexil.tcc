@@ -13,6 +13,15 @@ Vexil<T>::Vexil() {
 }
 
 template <typename T>
+Vexil<T>::Vexil(const Vexil&) = default;
+
+template <typename T>
+Vexil<T>& Vexil<T>::operator=(const Vexil&) = default;
+
+template <typename T>
+Vexil<T>::~Vexil() = default;
+
+template <typename T>
 void Vexil<T>::reset(bool keepFileNames) {
   if (!keepFileNames) {
     optFile.clear();

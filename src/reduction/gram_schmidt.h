@@ -87,4 +87,9 @@ struct GramSchmidt {
   void projectRow(const Matrix<T>& B, std::int64_t i);
 };
 
+extern template struct GramSchmidt<dbl_t, dbl_t>;
+extern template struct GramSchmidt<QQ, dbl_t>;
+extern template struct GramSchmidt<dbl_t, QQ>;
+extern template struct GramSchmidt<QQ, QQ>;
+
 }  // namespace vexil

@@ -5,6 +5,7 @@
 
 #include "foundation/members.h"
 #include "foundation/set.h"
+#include "numbers/qq_vectors.h"
 #include "solutions/heuristic_vector.h"
 #include "solutions/target_vector.h"
 
@@ -42,5 +43,22 @@ struct FoundVectors {
     for (TargetVector<T>& star : stars.elements()) visitFull(star);
   }
 };
+
+extern template class TargetVector<dbl_t>;
+extern template class Array<TargetVector<dbl_t>>;
+extern template class TargetVector<QQ>;
+extern template class Array<TargetVector<QQ>>;
+extern template class HeuristicVector<dbl_t, dbl_t>;
+extern template class Set<HeuristicVector<dbl_t, dbl_t>>;
+extern template class SortedSet<HeuristicVector<dbl_t, dbl_t>>;
+extern template class HeuristicVector<QQ, dbl_t>;
+extern template class Set<HeuristicVector<QQ, dbl_t>>;
+extern template class SortedSet<HeuristicVector<QQ, dbl_t>>;
+extern template class HeuristicVector<dbl_t, QQ>;
+extern template class Set<HeuristicVector<dbl_t, QQ>>;
+extern template class SortedSet<HeuristicVector<dbl_t, QQ>>;
+extern template class HeuristicVector<QQ, QQ>;
+extern template class Set<HeuristicVector<QQ, QQ>>;
+extern template class SortedSet<HeuristicVector<QQ, QQ>>;
 
 }  // namespace vexil
