@@ -6,6 +6,7 @@
 #include <functional>
 
 #include "numbers/qq_vectors.h"
+#include "support/pairs.h"
 #include "support/parsed.h"
 
 namespace vexil {
@@ -19,7 +20,6 @@ class Containers : public testing::Test {
   static Vector<T> vector(const std::string& text) { return parsed<Vector<T>>(text); }
   static Matrix<T> matrix(const std::string& text) { return parsed<Matrix<T>>(text); }
 };
-using NumberTypes = testing::Types<dbl_t, QQ>;
 TYPED_TEST_SUITE(Containers, NumberTypes);
 
 TYPED_TEST(Containers, RefuseMalformedVectors) {

@@ -51,9 +51,7 @@ class SolveRun : public testing::Test {
 
   static solver::Outcome ended(Status status) {
     solver::Outcome outcome;
-    outcome.status = status;
-    outcome.best = QQ(3);
-    outcome.points = 1;
+    std::tie(outcome.status, outcome.best, outcome.points) = std::tuple(status, QQ(3), 1);
     return outcome;
   }
   static std::function<solver::Outcome(solver::Listener&)> endsWith(Status status) {
@@ -70,10 +68,6 @@ class SolveRun : public testing::Test {
     return String(support::readFile(sol).value_or("none"))
         .regexReplace("\\| [0-9]+ \\| --help=0 [^|]*\\|", "|");
   }
-  bool comesTrue(const std::function<bool()>& condition) {
-    for (int i = 0; i < 20000 && !condition(); ++i) std::this_thread::sleep_for(1ms);
-    return condition();
-  }
 };
 
 std::string reported(const std::string& x, int norm) {
@@ -83,8 +77,7 @@ std::string reported(const std::string& x, int norm) {
 
 TEST_F(SolveRun, KeepsAndReportsTheStars) {
   support::writeFile(sol, "[ 9 9 ]\n[ 10 0 ]\n");
-  const auto end =
-      support::Child(body({"[ 4 1 ]", "[ 2 1 ]"}, endsWith(Status::Optimal))).finish(1min);
+  const auto end = support::inChild(body({"[ 4 1 ]", "[ 2 1 ]"}, endsWith(Status::Optimal)));
   EXPECT_EQ(end.out,
             "1 known\noptimal: target norm 3\n\n" + reported("2 1", 3) + "\n---\n\n" +
                 reported("4 1", 5) +
@@ -116,7 +109,7 @@ TEST_F(SolveRun, WritesAtOnceWhatIsBetterAndPointsAtPowersOfTwo) {
       }
       return ended(Status::Feasible);
     };
-    const auto end = support::Child(body({}, counting, words)).finish(1min);
+    const auto end = support::inChild(body({}, counting, words));
     EXPECT_EQ(end.out.substr(0, 13), "0 known\n" + expected);
     const auto text = support::readFile(sol).value_or("");
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 5);
@@ -128,7 +121,7 @@ TEST_F(SolveRun, StopsForSignalsAndTheClock) {
     fs::remove(sol);
     const Texts words = {"x.opt", signal == 0 ? "--rtime=1" : "--rtime=100"};
     support::Child child(body({"[ 2 1 ]"}, untilStopped, words));
-    ASSERT_TRUE(comesTrue([&] { return fs::exists(sol); }));
+    ASSERT_TRUE(support::comesTrue([&] { return fs::exists(sol); }));
     if (signal != 0) kill(child.pid(), signal);
     const auto end = child.finish(20s);
     EXPECT_EQ(end.status, 2) << signal;
@@ -148,9 +141,9 @@ TEST_F(SolveRun, EndsAtOnceForASecondSignal) {
     return ended(Status::Unknown);
   };
   support::Child child(body({"[ 2 1 ]"}, deaf));
-  ASSERT_TRUE(comesTrue([&] { return fs::exists(sol); }));
+  ASSERT_TRUE(support::comesTrue([&] { return fs::exists(sol); }));
   kill(child.pid(), SIGINT);
-  ASSERT_TRUE(comesTrue([&] { return fs::exists(folder / "seen"); }));
+  ASSERT_TRUE(support::comesTrue([&] { return fs::exists(folder / "seen"); }));
   kill(child.pid(), SIGTERM);
   EXPECT_EQ(child.finish(20s).signal, SIGTERM);
   EXPECT_EQ(stars(), "[ 2 1 ] | 3 | [ 3 ] | 0 | 2.2.3\n");
@@ -161,7 +154,7 @@ TEST_F(SolveRun, LeavesIgnoredSignalsIgnored) {
     std::signal(SIGHUP, SIG_IGN);
     return body({"[ 2 1 ]"}, untilStopped, {"x.opt", "--rtime=2"})();
   });
-  ASSERT_TRUE(comesTrue([&] { return fs::exists(sol); }));
+  ASSERT_TRUE(support::comesTrue([&] { return fs::exists(sol); }));
   const auto before = std::chrono::steady_clock::now();
   kill(child.pid(), SIGHUP);
   EXPECT_EQ(child.finish(20s).status, 2);
@@ -169,15 +162,15 @@ TEST_F(SolveRun, LeavesIgnoredSignalsIgnored) {
 }
 
 TEST_F(SolveRun, PrintsTheStarsThatCannotBeWritten) {
-  const auto end = support::Child([&] {
-                     return body({}, [](solver::Listener& listener) {
-                       const rlimit limit{10, 10};
-                       setrlimit(RLIMIT_FSIZE, &limit);
-                       listener.point(vector<QQ>("[ 4 1 ]"));
-                       listener.point(vector<QQ>("[ 2 1 ]"));
-                       return ended(Status::Optimal);
-                     })();
-                   }).finish(1min);
+  const auto end = support::inChild([&] {
+    return body({}, [](solver::Listener& listener) {
+      const rlimit limit{10, 10};
+      setrlimit(RLIMIT_FSIZE, &limit);
+      listener.point(vector<QQ>("[ 4 1 ]"));
+      listener.point(vector<QQ>("[ 2 1 ]"));
+      return ended(Status::Optimal);
+    })();
+  });
   EXPECT_EQ(end.status, 1);
   const std::string said = "/.x.sol.vexil-solve: cannot be written: File too large\n";
   EXPECT_EQ(end.err, "\n*** " + fs::canonical(folder.path()).string() + said);
@@ -189,11 +182,11 @@ TEST_F(SolveRun, PrintsTheStarsThatCannotBeWritten) {
 }
 
 TEST_F(SolveRun, SaysWhenItsOutputIsLost) {
-  const auto end = support::Child([&] {
-                     const int full = open("/dev/full", O_WRONLY);
-                     dup2(full, STDOUT_FILENO);
-                     return body({"[ 2 1 ]"}, endsWith(Status::Optimal))();
-                   }).finish(1min);
+  const auto end = support::inChild([&] {
+    const int full = open("/dev/full", O_WRONLY);
+    dup2(full, STDOUT_FILENO);
+    return body({"[ 2 1 ]"}, endsWith(Status::Optimal))();
+  });
   EXPECT_EQ(end.status, 1);
   EXPECT_EQ(end.err, "\n*** standard output: not everything could be written\n");
 }
@@ -201,32 +194,23 @@ TEST_F(SolveRun, SaysWhenItsOutputIsLost) {
 TEST_F(SolveRun, SavesWhatItHasBeforeAFailure) {
   support::writeFile(folder / "x.opt", NO_TARGET);
   const auto failing = [](solver::Listener&) -> solver::Outcome { throw std::bad_alloc(); };
-  const auto end = support::Child([&] {
-                     try {
-                       return body({"[ 1 0 ]", "[ 2 0 ]", "[ 3 0 ]"}, failing)();
-                     } catch (const std::bad_alloc&) {
-                       return 7;
-                     }
-                   }).finish(1min);
+  const auto end = support::inChild([&] {
+    try {
+      return body({"[ 1 0 ]", "[ 2 0 ]", "[ 3 0 ]"}, failing)();
+    } catch (const std::bad_alloc&) {
+      return 7;
+    }
+  });
   EXPECT_EQ(end.status, 7);
   EXPECT_EQ(stars().size(), 3 * std::string("[ 1 0 ] | 0 | [ ] | 0 | 2.2.3\n").size());
 }
 
 TEST_F(SolveRun, ShowsItsProgress) {
   const auto working = [](solver::Listener& listener) {
-    solver::Progress progress;
-    progress.phase = "root";
-    listener.progress(progress);
-    progress.best = 7;
-    listener.progress(progress);
-    progress.phase = "tree";
-    progress.bound = 3;
-    listener.progress(progress);
-    progress.treeNodes = 5;
-    progress.enumerationNodes = 6;
-    for (progress.work = 50; progress.work < 110; progress.work += 10) {
-      listener.progress(progress);
-    }
+    listener.progress({"root", {}, {}, 0, 0, 0});
+    listener.progress({"root", 7, {}, 0, 0, 0});
+    listener.progress({"tree", 7, 3, 0, 0, 0});
+    for (int work = 50; work < 110; work += 10) listener.progress({"tree", 7, 3, 5, 6, work});
     return ended(Status::Optimal);
   };
   const std::string found = "0 s: target norm 7, bound -inf, gap inf, 0 nodes, root";
@@ -240,9 +224,7 @@ TEST_F(SolveRun, ShowsItsProgress) {
                 ", tree 0, enumeration 0, work 0\n" + later + ", tree 5, enumeration 6, work 50\n" +
                 later + ", tree 5, enumeration 6, work 100\n"}};
   for (const auto& [verbosity, expected] : cases) {
-    const auto end =
-        support::Child(body({}, working, {"x.opt", "--verb=" + verbosity})).finish(1min);
-    EXPECT_EQ(end.err, expected) << verbosity;
+    EXPECT_EQ(support::inChild(body({}, working, {"x.opt", "--verb=" + verbosity})).err, expected);
   }
 }
 
@@ -252,14 +234,13 @@ TEST_F(SolveRun, RenewsALineOnATerminal) {
   ASSERT_EQ(unlockpt(terminal), 0);
   const std::string name = ptsname(terminal);
   const int other = open(name.c_str(), O_RDWR | O_NOCTTY);  // keeps what is written
-  const auto end = support::Child([&] {
-                     dup2(other, STDERR_FILENO);
-                     return body({"[ 2 1 ]"}, untilStopped, {"x.opt", "--rtime=2"})();
-                   }).finish(1min);
+  const auto end = support::inChild([&] {
+    dup2(other, STDERR_FILENO);
+    return body({"[ 2 1 ]"}, untilStopped, {"x.opt", "--rtime=2"})();
+  });
   EXPECT_EQ(end.status, 2);
-  std::string shown(4096, '\0');
-  shown.resize(
-      static_cast<std::size_t>(std::max<ssize_t>(read(terminal, shown.data(), shown.size()), 0)));
+  char buffer[4096];
+  const std::string shown(buffer, static_cast<std::size_t>(read(terminal, buffer, 4096)));
   close(terminal);
   close(other);
   const std::string line = "0 s: no point, 0 nodes, ";

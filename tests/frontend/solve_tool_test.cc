@@ -8,7 +8,6 @@
 #include <csignal>
 #include <iterator>
 #include <sstream>
-#include <thread>
 
 #include "support/tool_run.h"
 
@@ -37,14 +36,7 @@ class SolveTool : public testing::Test {
 
 std::string firstLine(const std::string& text) { return text.substr(0, text.find('\n')); }
 
-/// A program of two variables by its items.
-std::string program(const std::string& targets, const std::string& equations,
-                    const std::string& inequations, const std::string& bounds) {
-  return targets + "\n" + equations + "\n" + inequations + "\n[ 0 0 ] " + bounds + "\n";
-}
-
-const std::string NONE = "[ ] [ ]";
-const std::string BOX = "[ 0 0 ] [ 3 3 ]";
+const std::string BOX = "[ 0 0 ] [ 0 0 ] [ 3 3 ]\n";
 
 TEST_F(SolveTool, ExplainsItself) {
   const std::string usage =
@@ -70,21 +62,21 @@ TEST_F(SolveTool, TouchesNothingBeforeItUnderstandsTheFiles) {
   writeFile(folder / "x.sol", broken);
   writeFile(folder / "x.opt", "[ -inf ] [ [ 1 1 ] ] [ ] [ ] [ ] [ ] [ ] [ 0 0 ]");
   EXPECT_EQ(solve({"x.sol"}).err, "\n*** FAIL: x.opt: Vector: bad stream\n");
-  writeFile(folder / "x.opt", program("[ -inf ] [ [ 1 1 ] ]", NONE, "[ ] [ ] [ ]", BOX));
+  writeFile(folder / "x.opt", "[ -inf ] [ [ 1 1 ] ] [ ] [ ] [ ] [ ] [ ] " + BOX);
   EXPECT_EQ(solve({"x.sol"}).err, "\n*** FAIL: x.sol:1: field 5: not a number: abc\n");
   EXPECT_EQ(sol(), broken);
   EXPECT_FALSE(fs::exists(folder / "x.sol.lock"));
 }
 
 TEST_F(SolveTool, Answers) {
-  const std::string atLeast3 = "[ [ 1 1 ] ] [ 3 ] [ inf ]";
-  const std::string best = program("[ -inf ] [ [ 1 2 ] ]", NONE, atLeast3, BOX);
-  const std::string near = program("[ 5/2 ] [ [ 1 2 ] ]", NONE, atLeast3, BOX);
-  const std::string any = program(NONE, NONE, atLeast3, BOX);
-  const std::string odd = program("[ -inf ] [ [ 1 2 ] ]", "[ [ 2 4 ] ] [ 5 ]", "[ ] [ ] [ ]", BOX);
-  const std::string free = "[ -inf -inf ] [ inf inf ]";
-  const std::string falls = program("[ -inf ] [ [ 1 2 ] ]", NONE, "[ ] [ ] [ ]", free);
-  const std::string line = program(NONE, "[ [ 1 -1 ] ] [ 0 ]", "[ ] [ ] [ ]", free);
+  const std::string atLeast3 = "[ ] [ ] [ [ 1 1 ] ] [ 3 ] [ inf ] " + BOX;
+  const std::string best = "[ -inf ] [ [ 1 2 ] ] " + atLeast3;
+  const std::string near = "[ 5/2 ] [ [ 1 2 ] ] " + atLeast3;
+  const std::string any = "[ ] [ ] " + atLeast3;
+  const std::string odd = "[ -inf ] [ [ 1 2 ] ] [ [ 2 4 ] ] [ 5 ] [ ] [ ] [ ] " + BOX;
+  const std::string free = "[ 0 0 ] [ -inf -inf ] [ inf inf ]\n";
+  const std::string falls = "[ -inf ] [ [ 1 2 ] ] [ ] [ ] [ ] [ ] [ ] " + free;
+  const std::string line = "[ ] [ ] [ [ 1 -1 ] ] [ 0 ] [ ] [ ] [ ] " + free;
   // The program, an option or two, the stars that are there, the answer.
   const std::vector<std::array<std::string, 4>> cases = {
       {best, "", "", "optimal: target norm 3"},
@@ -95,9 +87,7 @@ TEST_F(SolveTool, Answers) {
       {line, "--sol=0", "", "feasible: infinitely many points\nray: [ 1 1 ]"},
       {any, "--sol=4", "", "feasible: 4 points"},
       {any, "--sol=0", "", "feasible: all 10 points"},
-      {any, "--sol=11", "", "feasible: all 10 points"},
       {any, "--sol=2", "[ 3 3 ]\n[ 2 2 ]", "feasible: 2 points"},
-      {best, "--tnorm=5", "", "reached: 1 star within target norm 5"},
       {best, "--tnorm=4 --sol=0", "", "reached: all 2 stars within target norm 4"},
       {best, "--tnorm=4", "[ 2 1 ]", "reached: 1 star within target norm 4"},
       {best, "--tnorm=2", "[ 2 1 ]", "infeasible: there is no point within target norm 2"},
@@ -170,38 +160,25 @@ INSTANTIATE_TEST_SUITE_P(
                     Known{"examples/roster.opt", "optimal: target norm 9:1/5", false},
                     Known{"examples/blend.opt", "optimal: target norm 10:93/100", false},
                     Known{"bench/instances/cuww5_min.opt", "optimal: target norm 1"},
-                    Known{"bench/instances/prob1_min.opt", "optimal: target norm 416"},
-                    Known{"bench/instances/goals10_2.opt", "optimal: target norm -453"},
                     Known{"bench/instances/mixed14_2.opt", "optimal: target norm -831"},
                     Known{"bench/instances/mknap5x20_1.opt", "optimal: target norm -831"},
-                    Known{"bench/instances/assign3x8_1.opt", "optimal: target norm -274"},
                     Known{"bench/instances/cutstock4_1.opt", "optimal: target norm 42"}),
     [](const auto& test) { return fs::path(test.param.file).stem().string(); });
 
 /// A program that keeps a search busy: 8 equations in 100 variables with a target.
 std::string busyProgram() {
-  std::string target;
-  std::string rows;
   std::uint32_t bits = 1;
-  const auto coefficient = [&] {
-    bits = bits * 1664525 + 1013904223;
-    return std::to_string((bits >> 16) % 1000) + " ";
+  const auto row = [](const auto& element) {
+    std::string text = "[ ";
+    for (int i = 0; i < 100; ++i) text += std::to_string(element()) + " ";
+    return text + "]\n";
   };
-  std::string zeros;
-  std::string ones;
-  for (int i = 0; i < 100; ++i) {
-    target += coefficient();
-    zeros += "0 ";
-    ones += "1 ";
-  }
-  for (int k = 0; k < 8; ++k) {
-    rows += "[ ";
-    for (int i = 0; i < 100; ++i) rows += coefficient();
-    rows += "]\n";
-  }
-  return "[ -inf ] [ [ " + target + "] ]\n[ " + rows +
-         "] [ 25000 25001 25002 25003 25004 25005 25006 25007 ]\n[ ] [ ] [ ]\n[ " + zeros + "] [ " +
-         zeros + "] [ " + ones + "]\n";
+  const auto coefficient = [&] { return (bits = bits * 1664525 + 1013904223) / 65536 % 1000; };
+  std::string text = "[ -inf ] [ " + row(coefficient) + "] [ ";
+  for (int k = 0; k < 8; ++k) text += row(coefficient);
+  const std::string zeros = row([] { return 0; });
+  return text + "] [ 25000 25001 25002 25003 25004 25005 25006 25007 ] [ ] [ ] [ ] " + zeros +
+         zeros + row([] { return 1; });
 }
 
 TEST_F(SolveTool, StopsInEveryPhase) {
@@ -220,28 +197,15 @@ TEST_F(SolveTool, StopsInEveryPhase) {
   EXPECT_EQ(end.status, 2) << end.out;
 }
 
-TEST_F(SolveTool, NeedsNoSemaphores) {
+TEST_F(SolveTool, KeepsASecondRunAwayWithoutASemaphore) {
   writeFile(folder / "x.opt", busyProgram());
   Child child(tool({"--rtime=100", "x.opt"}));
-  for (int i = 0; i < 20000 && !fs::exists(folder / "x.sol.lock"); ++i) {
-    std::this_thread::sleep_for(1ms);
-  }
+  ASSERT_TRUE(comesTrue([&] { return fs::exists(folder / "x.sol.lock"); }));
   EXPECT_EQ(semaphoreNames(child.pid()), Texts());
-  kill(child.pid(), SIGKILL);
-}
-
-TEST_F(SolveTool, KeepsASecondRunAway) {
-  writeFile(folder / "x.opt", busyProgram());
-  Child child(tool({"--rtime=100", "x.opt"}));
-  for (int i = 0; i < 20000 && !fs::exists(folder / "x.sol.lock"); ++i) {
-    std::this_thread::sleep_for(1ms);
-  }
   const auto second = solve({"x.opt"});
   EXPECT_EQ(second.status, 1);
-  EXPECT_NE(second.err.find("/x.sol: is in use by vexil-solve, process " +
-                            std::to_string(child.pid()) + " on "),
-            std::string::npos)
-      << second.err;
+  const std::string holder = "vexil-solve, process " + std::to_string(child.pid()) + " on ";
+  EXPECT_NE(second.err.find("/x.sol: is in use by " + holder), std::string::npos) << second.err;
   kill(child.pid(), SIGKILL);
   child.finish(20s);
   EXPECT_EQ(solve({"--rtime=1", "x.opt"}).status, 2);

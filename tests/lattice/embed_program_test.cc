@@ -7,6 +7,7 @@
 #include "lattice/lattice.h"
 #include "numbers/divisors.h"
 #include "numbers/number_cases.h"
+#include "support/pairs.h"
 #include "support/random_programs.h"
 
 namespace vexil {
@@ -31,23 +32,7 @@ class Embeddings : public testing::Test {
     return words(width, left);
   }
 };
-using NumberTypes = testing::Types<dbl_t, QQ>;
 TYPED_TEST_SUITE(Embeddings, NumberTypes);
-
-TYPED_TEST(Embeddings, HaveACoordinateForEachRowAndVariable) {
-  const auto equations =
-      this->built({.Ag = "[ [1 1] ]", .bg = "[ 3 ]", .lx = "[ 0 0 ]", .rx = "[ 3 3 ]"}, "ff", true);
-  EXPECT_EQ(joined(equations.basis.B), "[\n[ -3 -3 -3 1 ]\n[ 1 2 0 0 ]\n[ 1 0 2 0 ]\n]");
-  EXPECT_EQ(words(equations.embedding.R, equations.embedding.maxNorm), "3 57");
-  const auto wished = this->built(
-      {.dt = "[ 7 ]", .At = "[ [1 2] ]", .lx = "[ 0 0 ]", .rx = "[ 4 4 ]"}, "ft", false);
-  EXPECT_EQ(words(wished.embedding.c, wished.embedding.r, wished.embedding.R),
-            "[ 1 1 4 4 0 ] [ 4 4 inf inf 1 ] 4");
-  const auto free = this->built(
-      {.Ag = "[ [1 1] ]", .bg = "[ 3 ]", .lx = "[ -inf 0 ]", .rx = "[ inf inf ]"}, "ff", false);
-  EXPECT_EQ(words(free.embedding.c, free.embedding.l, free.embedding.R),
-            "[ 1 1 0 ] [ -inf -1 1 ] 1");
-}
 
 TYPED_TEST(Embeddings, StartOverAtEachBuild) {
   using T = TypeParam;
@@ -65,21 +50,6 @@ TYPED_TEST(Embeddings, StartOverAtEachBuild) {
   EXPECT_TRUE(lattice.basis.transformation().isIdentity());
   EXPECT_EQ(lattice.gramSchmidt.rowState[1], 0);
   EXPECT_EQ(lattice.interval_tt, 100);
-}
-
-TYPED_TEST(Embeddings, RefuseWidthsWithoutAScale) {
-  const std::pair<OptText, const char*> cases[] = {
-      {{.Au = "[ [1] ]", .lu = "[ 1 ]", .ru = "[ 1 ]", .lx = "[ 0 ]", .rx = "[ 3 ]"},
-       "ineq bounds error1"},
-      {{.Au = "[ [1] ]", .lu = "[ 1 ]", .ru = "[ inf ]", .lx = "[ 0 ]", .rx = "[ inf ]"},
-       "ineq bounds error1"},
-      {{.Ag = "[ [1] ]", .bg = "[ 7 ]", .lx = "[ 5 ]", .rx = "[ 10 ]"}, "sol bounds error"},
-      {{.Ag = "[ [1 1] ]", .bg = "[ 7 ]", .lx = "[ 5.5 0 ]", .rx = "[ 6.5 9 ]"},
-       "sol bounds error"},
-  };
-  for (const auto& [opt, text] : cases) {
-    EXPECT_EXIT(this->built(opt, "ff", false), ExitedWithCode(1), text);
-  }
 }
 
 TYPED_TEST(Embeddings, WidenSoftBoundsToTheNextDivisor) {
@@ -120,23 +90,6 @@ TEST(Divisors, AreFoundAtOnce) {
   // Where both neighbourhoods are empty the number itself has to do.
   const ZZ n = QQ("10000000000000000000000000000000000000000").ganze;
   EXPECT_EQ(nextDivisor(n, QQ("54321000000000000000").ganze), n);
-}
-
-TEST(EmbeddingGuards, NameTheValueThatOverflows) {
-  const auto message = [](const OptText& opt) {
-    Lattice<dbl_t, dbl_t> lattice;
-    lattice.program.assign(programOf<dbl_t>(opt.text()));
-    lattice.prepare(false, false);
-    return thrown([&] { lattice.buildBase(false); });
-  };
-  EXPECT_EQ(message({.Ag = "[ [1 1] ]", .bg = "[ 3 ]", .lx = "[ 0 0 ]", .rx = "[ 99991 99989 ]"}),
-            "R overflow");
-  EXPECT_EQ(message({.Au = "[ [400000000 1] ]",
-                     .lu = "[ 0 ]",
-                     .ru = "[ 500 ]",
-                     .lx = "[ 0 0 ]",
-                     .rx = "[ 1 1000 ]"}),
-            "B_save overflow2");
 }
 
 TYPED_TEST(Embeddings, MapPointsThereAndBack) {

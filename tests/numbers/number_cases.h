@@ -7,8 +7,8 @@
 #include <sstream>
 #include <string>
 
-#include "foundation/exceptions.h"
 #include "numbers/qq.h"
+#include "support/parsed.h"
 
 namespace vexil {
 
@@ -20,17 +20,6 @@ void expectResults(const std::string& table, Function function) {
     const auto middle = word.find('=');
     EXPECT_EQ(function(word.substr(0, middle)), word.substr(middle + 1)) << word;
   }
-}
-
-/// The message of the exception that `operation` throws, nothing if it throws none.
-template <typename Operation>
-std::string thrown(Operation operation) {
-  try {
-    operation();
-  } catch (const PrecisionException& exception) {
-    return exception.what();
-  }
-  return "";
 }
 
 /// The result of the operation, which is the same in whatever operand it goes.

@@ -6,6 +6,7 @@
 
 #include "number_cases.h"
 #include "numbers/qq_vectors.h"
+#include "support/pairs.h"
 #include "support/parsed.h"
 
 namespace vexil {
@@ -204,7 +205,6 @@ TEST(QQ, RootsEnd) {
 
 template <typename T>
 class Traits : public testing::Test {};
-using NumberTypes = testing::Types<dbl_t, QQ>;
 TYPED_TEST_SUITE(Traits, NumberTypes);
 
 TYPED_TEST(Traits, RoundToWholeNumbers) {

@@ -5,6 +5,7 @@
 
 #include "foundation/failure.h"
 #include "params/extended_params.h"
+#include "support/pairs.h"
 #include "support/parsed.h"
 
 namespace vexil {
@@ -36,7 +37,6 @@ const std::string DEFAULTS =
 
 template <typename T>
 class ParamsTest : public testing::Test {};
-using NumberTypes = testing::Types<dbl_t, QQ>;
 TYPED_TEST_SUITE(ParamsTest, NumberTypes);
 
 TYPED_TEST(ParamsTest, Lines) {

@@ -8,6 +8,7 @@
 
 #include "numbers/number_cases.h"
 #include "numbers/qq_vectors.h"
+#include "support/pairs.h"
 #include "support/parsed.h"
 
 namespace vexil {
@@ -17,7 +18,6 @@ using testing::ExitedWithCode;
 
 template <typename T>
 class Elimination : public testing::Test {};
-using NumberTypes = testing::Types<dbl_t, QQ>;
 TYPED_TEST_SUITE(Elimination, NumberTypes);
 
 template <typename T>

@@ -7,18 +7,11 @@
 
 #include "numbers/number_cases.h"
 #include "numbers/qq_vectors.h"
+#include "support/pairs.h"
 #include "support/parsed.h"
 
 namespace vexil {
 namespace {
-
-template <typename First, typename Second>
-struct Numbers {
-  using T = First;
-  using U = Second;
-};
-using Pairs =
-    testing::Types<Numbers<dbl_t, dbl_t>, Numbers<QQ, dbl_t>, Numbers<dbl_t, QQ>, Numbers<QQ, QQ>>;
 
 /// A basis and what both decompositions make of it.
 template <typename Pair>

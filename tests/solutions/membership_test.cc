@@ -5,6 +5,7 @@
 
 #include <random>
 
+#include "support/pairs.h"
 #include "support/parsed.h"
 
 namespace vexil {
@@ -12,7 +13,6 @@ namespace {
 
 template <typename T>
 class Members : public testing::Test {};
-using NumberTypes = testing::Types<dbl_t, QQ>;
 TYPED_TEST_SUITE(Members, NumberTypes);
 
 /// Lattices of the vectors whose element i is a multiple of d[i] and whose last element is the sum

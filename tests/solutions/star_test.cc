@@ -8,6 +8,7 @@
 #include "program/vexil.h"
 #include "solutions/heuristic_vector.h"
 #include "solutions/target_vector.h"
+#include "support/pairs.h"
 #include "support/parsed.h"
 
 namespace vexil {
@@ -46,7 +47,6 @@ TEST(Stars, CompareVersionsByComponent) {
 
 template <typename T>
 class StarOrder : public testing::Test {};
-using NumberTypes = testing::Types<dbl_t, QQ>;
 TYPED_TEST_SUITE(StarOrder, NumberTypes);
 
 TYPED_TEST(StarOrder, GoesByTheFirstDifference) {

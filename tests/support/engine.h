@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <set>
 #include <string>
 
@@ -12,6 +13,17 @@
 #include "support/tool_run.h"
 
 namespace vexil {
+
+/// Whether the rows of both matrices span the same lattice.
+inline bool spanTheSame(const Matrix<QQ>& A, const Matrix<QQ>& B) {
+  const auto isWithin = [](const Matrix<QQ>& rows, const Matrix<QQ>& basis) {
+    Membership<QQ> lattice;
+    lattice.build(basis);
+    return std::all_of(rows.elements().begin(), rows.elements().end(),
+                       [&](const Vector<QQ>& row) { return lattice.contains(row); });
+  };
+  return isWithin(A, B) && isWithin(B, A);
+}
 
 /// A generated lattice on the program of an opt text, with its files in a folder of its own. It
 /// does not end with its first star.

@@ -16,4 +16,7 @@ struct Numbers {
 using Pairs =
     testing::Types<Numbers<dbl_t, dbl_t>, Numbers<QQ, dbl_t>, Numbers<dbl_t, QQ>, Numbers<QQ, QQ>>;
 
+/// The numbers of a program or a basis alone.
+using NumberTypes = testing::Types<dbl_t, QQ>;
+
 }  // namespace vexil

@@ -4,6 +4,7 @@
 #include <sstream>
 #include <string>
 
+#include "foundation/exceptions.h"
 #include "foundation/matrix.h"
 
 namespace vexil {
@@ -34,6 +35,17 @@ Vector<T> vector(const std::string& text) {
 template <typename T>
 Matrix<T> matrix(const std::string& text) {
   return parsed<Matrix<T>>(text);
+}
+
+/// The message of the exception that `operation` throws, nothing if it throws none.
+template <typename Operation>
+std::string thrown(Operation operation) {
+  try {
+    operation();
+  } catch (const GeneralException& exception) {
+    return exception.message;
+  }
+  return "";
 }
 
 }  // namespace vexil

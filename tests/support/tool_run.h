@@ -12,6 +12,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 namespace vexil::support {
@@ -35,6 +36,17 @@ void writeFile(const std::filesystem::path& file, std::string_view text);
 
 /// The text of a regular file; nothing where there is none.
 [[nodiscard]] std::optional<std::string> readFile(const std::filesystem::path& file);
+
+/// Waits until the condition holds; false if it does not within two minutes.
+template <typename Condition>
+bool comesTrue(Condition condition) {
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(2);
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > deadline) return false;
+    std::this_thread::sleep_for(std::chrono::microseconds(50));
+  }
+  return true;
+}
 
 /// The semaphores of a process whose names are in the system. The process may be gone.
 [[nodiscard]] std::vector<std::string> semaphoreNames(pid_t process);
@@ -80,9 +92,12 @@ struct ToolRun {
   [[nodiscard]] int operator()() const;  ///< to be the body of a `Child`
 };
 
-/// Runs the tool to its end. The limit leaves room for a sanitizer build on a busy machine.
-[[nodiscard]] inline ChildEnd run(const ToolRun& tool) {
-  return Child(tool).finish(std::chrono::minutes(2));
+/// What a process that runs `body` does to its end.
+[[nodiscard]] inline ChildEnd inChild(const std::function<int()>& body) {
+  return Child(body).finish(std::chrono::minutes(2));
 }
+
+/// Runs the tool to its end. The limit leaves room for a sanitizer build on a busy machine.
+[[nodiscard]] inline ChildEnd run(const ToolRun& tool) { return inChild(tool); }
 
 }  // namespace vexil::support
