@@ -68,27 +68,20 @@ TYPED_TEST(ParamsTest, Lines) {
 }
 
 TEST(Params, TypedValues) {
-  struct Case {
-    const char* text;
-    bool flag;
-    long whole;
-    unsigned long size;
-    dbl_t number;
-  };
   constexpr auto most = std::numeric_limits<unsigned long>::max();
-  const Case cases[] = {
-      {"inf", true, HUGE_LONG, most, INF_F},
-      {"-inf", true, std::numeric_limits<long>::min(), 0, -INF_F},
-      {"99999999999999999999999", true, HUGE_LONG, most, 99999999999999999999999.0L},
-  };
-  for (const auto& [text, flag, whole, size, number] : cases) {
-    Options<dbl_t> options;
-    options.readLine(joined("--help=", text, " --iters=", text, " --pairLimit=", text,
-                            " --rtime=", text, " --snorm=", text));
-    EXPECT_EQ(words(options.help.current, options.iters.current, options.pairLimit.current,
-                    options.snorm.current, options.rtime.current.get()),
-              words(flag, whole, size, number, whole))
-        << text;
+  constexpr auto least = std::numeric_limits<long>::min();
+  const std::pair<const char*, std::string> cases[] = {
+      {"inf", words(true, HUGE_LONG, most, INF_F, HUGE_LONG)},
+      {"-inf", words(true, least, 0, -INF_F, least)},
+      {"99999999999999999999999",
+       words(true, HUGE_LONG, most, 99999999999999999999999.0L, HUGE_LONG)}};
+  for (const auto& [text, expected] : cases) {
+    Options<dbl_t> o;
+    o.readLine(joined("--help=", text, " --iters=", text, " --pairLimit=", text, " --rtime=", text,
+                      " --snorm=", text));
+    EXPECT_EQ(words(o.help.current, o.iters.current, o.pairLimit.current, o.snorm.current,
+                    o.rtime.current.get()),
+              expected);
   }
 }
 
