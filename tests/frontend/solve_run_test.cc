@@ -207,10 +207,10 @@ TEST_F(SolveRun, SavesWhatItHasBeforeAFailure) {
 
 TEST_F(SolveRun, ShowsItsProgress) {
   const auto working = [](solver::Listener& listener) {
-    listener.progress({"root", {}, {}, 0, 0, 0});
-    listener.progress({"root", 7, {}, 0, 0, 0});
-    listener.progress({"tree", 7, 3, 0, 0, 0});
-    for (int work = 50; work < 110; work += 10) listener.progress({"tree", 7, 3, 5, 6, work});
+    listener.progress({"root", {}, {}, 0, 0, 0, 0});
+    listener.progress({"root", 7, {}, 0, 0, 0, 0});
+    listener.progress({"tree", 7, 3, 0, 0, 0, 0});
+    for (int work = 50; work < 110; work += 10) listener.progress({"tree", 7, 3, 0, 5, 6, work});
     return ended(Status::Optimal);
   };
   const std::string found = "0 s: target norm 7, bound -inf, gap inf, 0 nodes, root";

@@ -122,11 +122,11 @@ TEST(Deviations, AreOrdered) {
       EXPECT_EQ(candidates[j] < c, j < i) << i << " " << j;
     }
   }
-  HeuristicVector<dbl_t, dbl_t> near = candidates[0];
+  HeuristicVector<dbl_t, dbl_t> near = candidates[6];
   near.euclidNorm += 5e-10L;
-  EXPECT_FALSE(candidates[0] < near);
+  EXPECT_FALSE(candidates[6] < near);
   near.euclidNorm += 2e-9L;
-  EXPECT_TRUE(candidates[0] < near);
+  EXPECT_TRUE(candidates[6] < near);
   const HeuristicVector<dbl_t, dbl_t> fresh;
   EXPECT_EXIT(static_cast<void>(fresh < candidates[0]), testing::ExitedWithCode(1),
               "Heuristic deviation is not initialized!");
