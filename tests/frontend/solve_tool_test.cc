@@ -200,7 +200,8 @@ TEST_F(SolveTool, StopsInEveryPhase) {
 TEST_F(SolveTool, KeepsASecondRunAwayWithoutASemaphore) {
   writeFile(folder / "x.opt", busyProgram());
   Child child(tool({"--rtime=100", "x.opt"}));
-  ASSERT_TRUE(comesTrue([&] { return fs::exists(folder / "x.sol.lock"); }));
+  const auto lock = folder / "x.sol.lock";
+  ASSERT_TRUE(comesTrue([&] { return readFile(lock).value_or("").ends_with("\n"); }));
   EXPECT_EQ(semaphoreNames(child.pid()), Texts());
   const auto second = solve({"x.opt"});
   EXPECT_EQ(second.status, 1);

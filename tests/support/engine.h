@@ -9,8 +9,7 @@
 
 #include "lattice/lattice.h"
 #include "support/pairs.h"
-#include "support/parsed.h"
-#include "support/tool_run.h"
+#include "support/programs.h"
 
 namespace vexil {
 
@@ -36,9 +35,8 @@ struct Engine {
   Lattice<T, typename Pair::U> lattice;
 
   explicit Engine(const std::string& opt, bool force1 = false, bool force2 = false) {
-    support::writeFile(folder / "x.opt", opt);
+    lattice.program.assign(programOf<QQ>(opt));
     lattice.setFileNames((folder / "x.sol").string());
-    lattice.program.readOptFile();
     original = lattice.program;
     lattice.params.sol.current = 0;
     lattice.prepare(force1, force2);

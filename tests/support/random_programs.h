@@ -16,7 +16,8 @@ struct RandomProgram {
   /// `m` equations and `k` inequations over n variables: bounded ones, half-free and free ones,
   /// tenths among them. Inequations are two-sided, or of any kind with `oneSided`; fixed variables
   /// come with `fixed`.
-  static RandomProgram make(int n, int m, int k, bool oneSided, bool fixed) {
+  /// `targets` are wished to be least or greatest.
+  static RandomProgram make(int n, int m, int k, bool oneSided, bool fixed, int targets = 0) {
     RandomProgram result;
     Vector<QQ> left, right, decimals;
     for (int i = 1; i <= n; ++i) result.addVariable(left, right, decimals, fixed);
@@ -31,6 +32,12 @@ struct RandomProgram {
       lu.append(kind == 1 ? -QQ::INF() : value - below(9) - 1);
       ru.append(kind == 2 ? QQ::INF() : value + below(9) + 1);
     }
+    result.opt.dt = "[ ";
+    for (int i = 0; i < targets; ++i) {
+      result.addRow(result.opt.At);
+      result.opt.dt += below(2) == 0 ? "inf " : "-inf ";
+    }
+    result.opt.dt += "]";
     result.opt.bg = joined(bg);
     result.opt.lu = joined(lu);
     result.opt.ru = joined(ru);
