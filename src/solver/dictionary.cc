@@ -42,8 +42,6 @@ Dictionary::Dictionary(const ItemSystem<Z>& system)
     : D(system.parameters),
       R(system.count),
       stride((D + UNROLL - 1) / UNROLL * UNROLL),
-      original(R * D),
-      originalConstant(R),
       parameterItem(system.parameterItem),
       table((R - D) * stride),
       constants(R - D),
@@ -52,20 +50,11 @@ Dictionary::Dictionary(const ItemSystem<Z>& system)
       columnOf(R),
       itemOf(D),
       basicOf(R - D),
-      low(R),
-      high(R),
       values(R),
-      slack(R),
       cost(stride),
       costWeights(R),
       pivotRow(stride) {
-  for (std::size_t i = 0; i < R * D; ++i) original[i] = toDouble(system.coefficient[i]);
-  for (std::size_t i = 0; i < R; ++i) {
-    originalConstant[i] = toDouble(system.offset[i]);
-    low[i] = toDouble(system.lower[i]);
-    high[i] = toDouble(system.upper[i]);
-    slack[i] = std::max(TOLERANCE_LEAST, TOLERANCE_OF_WIDTH * (high[i] - low[i]));
-  }
+  for (std::size_t i = 0; i < R; ++i) takeItem(system, i);
   breakpoints.reserve(D);
   support.reserve(D);
   initialize();
@@ -73,6 +62,95 @@ Dictionary::Dictionary(const ItemSystem<Z>& system)
 
 template Dictionary::Dictionary(const ItemSystem<std::int64_t>&);
 template Dictionary::Dictionary(const ItemSystem<ZZ>&);
+
+template <typename Z>
+void Dictionary::takeItem(const ItemSystem<Z>& system, std::size_t item) {
+  for (std::size_t k = 0; k < D; ++k) original.push_back(toDouble(system.entry(item, k)));
+  originalConstant.push_back(toDouble(system.offset[item]));
+  low.push_back(toDouble(system.lower[item]));
+  high.push_back(toDouble(system.upper[item]));
+  slack.push_back(std::max(TOLERANCE_LEAST, TOLERANCE_OF_WIDTH * (high[item] - low[item])));
+}
+
+template <typename Z>
+void Dictionary::append(const ItemSystem<Z>& system) {
+  for (; R < system.count; ++R) {
+    takeItem(system, R);
+    rowOf.push_back(R - D);
+    columnOf.push_back(NONE);
+    basicOf.push_back(R);
+    values.push_back(0);
+    costWeights.push_back(0);
+    table.resize(table.size() + stride);
+    expressItem(R);
+  }
+  recomputeValues();
+}
+
+template void Dictionary::append(const ItemSystem<std::int64_t>&);
+template void Dictionary::append(const ItemSystem<ZZ>&);
+
+/// Writes the row of a new item by way of the items that determine the parameters.
+void Dictionary::expressItem(std::size_t item) {
+  double* a = &table[rowOf[item] * stride];
+  std::vector<double> rest(&original[item * D], &original[item * D] + D);
+  double constant = originalConstant[item];
+  for (std::size_t k = D; k-- > 0;) {
+    const double factor = rest[k];
+    if (factor == 0) continue;
+    const std::size_t named = parameterItem[k];
+    for (std::size_t j = 0; j < k; ++j) rest[j] -= factor * original[named * D + j];
+    constant -= factor * originalConstant[named];
+    if (isBasic(named)) {
+      addMultiple(a, row(named), factor, stride);
+      constant += factor * constants[rowOf[named]];
+    } else {
+      a[columnOf[named]] += factor;
+    }
+    workDone += static_cast<std::int64_t>(2 * D);
+  }
+  constants.push_back(constant);
+  weights.push_back(squaredNorm(a, stride));
+}
+
+void Dictionary::remove(const std::vector<bool>& gone) {
+  std::vector<std::size_t> nameOf(R, NONE);
+  std::size_t items = 0;
+  for (std::size_t i = 0; i < R; ++i) {
+    if (gone[i]) continue;
+    nameOf[i] = items;
+    std::copy_n(original.begin() + static_cast<std::ptrdiff_t>(i * D), D,
+                original.begin() + static_cast<std::ptrdiff_t>(items * D));
+    for (auto* const numbers : {&originalConstant, &low, &high, &values, &slack, &costWeights}) {
+      (*numbers)[items] = (*numbers)[i];
+    }
+    columnOf[items] = columnOf[i];
+    rowOf[items] = NONE;
+    ++items;
+  }
+  std::size_t rows = 0;
+  for (std::size_t r = 0; r < R - D; ++r) {
+    const std::size_t item = nameOf[basicOf[r]];
+    if (item == NONE) continue;
+    std::copy_n(table.begin() + static_cast<std::ptrdiff_t>(r * stride), stride,
+                table.begin() + static_cast<std::ptrdiff_t>(rows * stride));
+    constants[rows] = constants[r];
+    weights[rows] = weights[r];
+    basicOf[rows] = item;
+    rowOf[item] = rows++;
+  }
+  for (std::size_t& item : itemOf) item = nameOf[item];
+  R = items;
+  original.resize(R * D);
+  for (auto* const numbers : {&originalConstant, &low, &high, &values, &slack, &costWeights}) {
+    numbers->resize(R);
+  }
+  for (auto* const places : {&rowOf, &columnOf}) places->resize(R);
+  basicOf.resize(rows);
+  constants.resize(rows);
+  weights.resize(rows);
+  table.resize(rows * stride);
+}
 
 /// The dictionary in the items that determine the parameters. Such an item is p + u, so that
 /// parameter p is the item less u; but the item delta - t is delta - t.

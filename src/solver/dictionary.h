@@ -32,6 +32,12 @@ class Dictionary {
   template <typename Z>
   explicit Dictionary(const ItemSystem<Z>& system);
 
+  /// Takes over the items that were added to the system, as basic ones.
+  template <typename Z>
+  void append(const ItemSystem<Z>& system);
+  /// Forgets basic items, those with gone[item].
+  void remove(const std::vector<bool>& gone);
+
   [[nodiscard]] std::size_t columns() const { return D; }
   [[nodiscard]] std::size_t itemCount() const { return R; }
 
@@ -76,6 +82,9 @@ class Dictionary {
     std::size_t column;
   };
 
+  template <typename Z>
+  void takeItem(const ItemSystem<Z>& system, std::size_t item);
+  void expressItem(std::size_t item);
   void initialize();
   void refactor();
   void moveToBounds();

@@ -122,6 +122,38 @@ class Assembly {
 }  // namespace
 
 template <typename Z>
+void ItemSystem<Z>::addCut(const std::vector<Z>& a, const Z& high) {
+  Wide<Z> low = 0;
+  for (std::size_t k = 0; k < parameters; ++k) {
+    addProduct(low, a[k], signOf(a[k]) > 0 ? ranges.lower[k] : ranges.upper[k]);
+  }
+  coefficient.insert(coefficient.end(), a.begin(), a.end());
+  offset.push_back(0);
+  lower.push_back(std::min(high, Z(clamped(low))));
+  upper.push_back(high);
+  ++count;
+}
+
+template <typename Z>
+void ItemSystem<Z>::removeCuts(const std::vector<bool>& gone) {
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    if (gone[i]) continue;
+    std::move(coefficient.begin() + static_cast<std::ptrdiff_t>(i * parameters),
+              coefficient.begin() + static_cast<std::ptrdiff_t>((i + 1) * parameters),
+              coefficient.begin() + static_cast<std::ptrdiff_t>(kept * parameters));
+    for (auto* const numbers : {&offset, &lower, &upper}) (*numbers)[kept] = (*numbers)[i];
+    ++kept;
+  }
+  count = kept;
+  coefficient.resize(count * parameters);
+  for (auto* const numbers : {&offset, &lower, &upper}) numbers->resize(count);
+}
+
+template struct ItemSystem<std::int64_t>;
+template struct ItemSystem<ZZ>;
+
+template <typename Z>
 ItemSystem<Z> itemSystem(const FormSystem<Z>& system, const CoordinateRanges<Z>& ranges) {
   return Assembly<Z>(system, ranges).result();
 }

@@ -21,7 +21,8 @@ inline constexpr std::size_t NONE = static_cast<std::size_t>(-1);
 ///     forms                 as in the system, items 0 to F - 1
 ///     coordinates           lambda_k where no form is lambda_k plus a constant
 ///     goal sides            delta_g - t_g and delta_g + t_g, both of them >= 0
-///     objective             linear part + sum of delta_g; the last item, if there is an objective
+///     objective             linear part + sum of delta_g, if there is an objective
+///     cuts                  what the root adds: rows that follow from the others for integers
 ///
 /// The items have boxes as the forms have; that of the objective is wide until a cut narrows it.
 template <typename Z>
@@ -43,10 +44,18 @@ struct ItemSystem {
   std::vector<std::size_t> goalSide;  ///< the items delta_g - t_g; behind each delta_g + t_g
   std::size_t objective = NONE;       ///< the item of the objective
 
+  /// Adds the item sum a_k parameter_k, of which `high` is a proved upper bound.
+  void addCut(const std::vector<Z>& a, const Z& high);
+  /// Forgets the items with gone[item], all of them cuts.
+  void removeCuts(const std::vector<bool>& gone);
+
   [[nodiscard]] const Z& entry(std::size_t item, std::size_t parameter) const {
     return coefficient[item * parameters + parameter];
   }
 };
+
+extern template struct ItemSystem<std::int64_t>;
+extern template struct ItemSystem<ZZ>;
 
 /// The items of `system`, `ranges` being proved ranges of its coordinates.
 template <typename Z>

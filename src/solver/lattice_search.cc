@@ -195,14 +195,18 @@ LatticeEnd LatticeSearch<Z>::run(bool mayNarrow) {
   }
   const std::optional<CoordinateRanges<Z>> ranges = coordinateRanges(forms);
   if (!ranges) return LatticeEnd::Unusable;
-  const ItemSystem<Z> items = itemSystem(forms, *ranges);
+  ItemSystem<Z> items = itemSystem(forms, *ranges);
   Relaxation<Z> relaxation(forms, items, *this);
   enter("root");
   const NodeState root = tightenRoot(forms, relaxation, *this, *this);
   rootWork = relaxation.work();
   if (root == NodeState::Empty) return LatticeEnd::Exhausted;
-  if (items.objective != NONE) this->raiseBound(relaxation.lower(items.objective));
   if (mayNarrow && exportSides(relaxation)) return LatticeEnd::Narrowed;
+  if (!forms.ordered && addRootCuts(relaxation, *this) == NodeState::Empty) {
+    return LatticeEnd::Exhausted;
+  }
+  rootWork = relaxation.work();
+  if (items.objective != NONE) this->raiseBound(relaxation.lower(items.objective));
   tree = std::make_unique<Tree<Z>>(forms, relaxation, *this, *this);
   const LatticeEnd end = searchRounds();
   report();

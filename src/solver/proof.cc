@@ -64,12 +64,18 @@ template <typename Z>
 Prover<Z>::Prover(const ItemSystem<Z>& itemSystem, const Boxes<Z>& currentBoxes)
     : system(itemSystem),
       boxes(currentBoxes),
-      greatestMultiplier(powerOfTwo(multiplierBits(itemSystem))),
-      sumsFit(allSumsFit(itemSystem, multiplierBits(itemSystem))),
       narrowResidues(itemSystem.parameters),
       wideResidues(itemSystem.parameters) {
   items.reserve(system.parameters + 1);
   multipliers.reserve(system.parameters + 1);
+  adapt();
+}
+
+template <typename Z>
+void Prover<Z>::adapt() {
+  const int bits = multiplierBits(system);
+  greatestMultiplier = powerOfTwo(bits);
+  sumsFit = allSumsFit(system, bits);
 }
 
 template <typename Z>

@@ -32,6 +32,9 @@ class Prover {
   /// Both are kept by reference.
   Prover(const ItemSystem<Z>& itemSystem, const Boxes<Z>& currentBoxes);
 
+  /// Chooses the size of the multipliers anew after items were added.
+  void adapt();
+
   /// Prepares the combination item - sum over j < size of a[j] other[j]. False if the numbers are
   /// of no use (not finite, too far apart); nothing is concluded then.
   [[nodiscard]] bool load(std::size_t item, const double* a, const std::size_t* other,
@@ -56,8 +59,8 @@ class Prover {
 
   const ItemSystem<Z>& system;
   const Boxes<Z>& boxes;
-  double greatestMultiplier;  ///< a power of two, for the largest multiplier
-  bool sumsFit = false;       ///< the r_k fit into Z
+  double greatestMultiplier = 1;  ///< a power of two, for the largest multiplier
+  bool sumsFit = false;           ///< the r_k fit into Z
   std::vector<std::size_t> items;
   std::vector<Z> multipliers;
   std::vector<Z> narrowResidues;

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "solver/cuts.h"
+
 namespace vexil::solver {
 namespace {
 
@@ -14,7 +16,7 @@ constexpr int PIVOTS_AT_LEAST = 100;
 }  // namespace
 
 template <typename Z>
-Relaxation<Z>::Relaxation(const FormSystem<Z>& formSystem, const ItemSystem<Z>& itemSystem,
+Relaxation<Z>::Relaxation(const FormSystem<Z>& formSystem, ItemSystem<Z>& itemSystem,
                           SearchState<Z>& searchState)
     : forms(formSystem),
       system(itemSystem),
@@ -22,10 +24,49 @@ Relaxation<Z>::Relaxation(const FormSystem<Z>& formSystem, const ItemSystem<Z>& 
       boxes{itemSystem.lower, itemSystem.upper},
       prover(system, boxes),
       dictionary(itemSystem),
+      firstCut(itemSystem.count),
       goalOf(itemSystem.count, NONE),
       formValues(formSystem.count) {
   for (std::size_t g = 0; g < system.goalForm.size(); ++g) goalOf[system.goalForm[g]] = g;
   if (system.objective != NONE) dictionary.keepBasic(system.objective);
+}
+
+template <typename Z>
+std::size_t Relaxation<Z>::addCuts() requires std::same_as<Z, std::int64_t> {
+  CutFinder finder(system, boxes, dictionary);
+  const std::vector<Cut> cuts = finder.find();
+  dictionary.addWork(finder.work());
+  for (const Cut& cut : cuts) {
+    system.addCut(cut.a, cut.bound);
+    boxes.lower.push_back(system.lower.back());
+    boxes.upper.push_back(system.upper.back());
+    goalOf.push_back(NONE);
+  }
+  dictionary.append(system);
+  prover.adapt();
+  trail.clear();
+  return cuts.size();
+}
+
+template <typename Z>
+void Relaxation<Z>::dropCuts() {
+  std::vector<bool> gone(system.count, false);
+  for (std::size_t item = firstCut; item < system.count; ++item) {
+    gone[item] = dictionary.isBasic(item);
+  }
+  std::size_t kept = firstCut;
+  for (std::size_t item = firstCut; item < system.count; ++item) {
+    if (gone[item]) continue;
+    boxes.lower[kept] = boxes.lower[item];
+    boxes.upper[kept] = boxes.upper[item];
+    ++kept;
+  }
+  boxes.lower.resize(kept);
+  boxes.upper.resize(kept);
+  goalOf.resize(kept);
+  dictionary.remove(gone);
+  system.removeCuts(gone);
+  trail.clear();
 }
 
 template <typename Z>

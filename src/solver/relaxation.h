@@ -1,6 +1,7 @@
 // Vexil - exact integer optimization on lattices.
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 #include <vector>
 
@@ -24,8 +25,14 @@ template <typename Z>
 class Relaxation {
  public:
   /// All are kept by reference; the boxes start as those of `itemSystem`.
-  Relaxation(const FormSystem<Z>& formSystem, const ItemSystem<Z>& itemSystem,
+  Relaxation(const FormSystem<Z>& formSystem, ItemSystem<Z>& itemSystem,
              SearchState<Z>& searchState);
+
+  /// Adds cuts that the present solution violates, at the root, whose moves become final. The
+  /// number of cuts.
+  std::size_t addCuts() requires std::same_as<Z, std::int64_t>;
+  /// Removes the cuts that do not hold the present solution.
+  void dropCuts();
 
   [[nodiscard]] const ItemSystem<Z>& items() const { return system; }
   [[nodiscard]] const Z& lower(std::size_t item) const { return boxes.lower[item]; }
@@ -79,12 +86,13 @@ class Relaxation {
   [[nodiscard]] Z onCosetUpward(const Z& value) const;
 
   const FormSystem<Z>& forms;
-  const ItemSystem<Z>& system;
+  ItemSystem<Z>& system;
   SearchState<Z>& state;
   Boxes<Z> boxes;
   Prover<Z> prover;
   Dictionary dictionary;
   std::vector<Move> trail;
+  std::size_t firstCut;
   std::vector<std::size_t> goalOf;  ///< R: index of the goal whose form an item is, NONE for others
   std::vector<Z> formValues;
   bool hasSolution = false;

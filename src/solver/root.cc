@@ -8,6 +8,9 @@ namespace {
 
 constexpr int ROUNDS_OF_THE_ROOT = 10;
 constexpr int PIVOTS_OF_A_RANGE = 200;
+constexpr int ROUNDS_OF_CUTS = 40;
+constexpr int IDLE_ROUNDS = 3;
+constexpr double LEAST_PROGRESS = 0.01;
 
 template <typename Z>
 class Root {
@@ -106,6 +109,34 @@ NodeState tightenRoot(const FormSystem<Z>& forms, Relaxation<Z>& relaxation, Sea
                       StopToken& stop) {
   return Root<Z>(forms, relaxation, state, stop).run();
 }
+
+template <typename Z>
+NodeState addRootCuts(Relaxation<Z>& relaxation, StopToken& stop) {
+  const std::size_t objective = relaxation.items().objective;
+  if (objective == NONE || !relaxation.solved()) return NodeState::Open;
+  if constexpr (std::is_same_v<Z, std::int64_t>) {
+    const Dictionary& lp = relaxation.linearProgram();
+    const double start = lp.value(objective);
+    int idle = 0;
+    for (int round = 0; round < ROUNDS_OF_CUTS && idle < IDLE_ROUNDS; ++round) {
+      throwIfStopped(stop);
+      const double before = lp.value(objective);
+      if (relaxation.addCuts() == 0) break;
+      if (relaxation.followState() == NodeState::Empty ||
+          relaxation.examine(1) == NodeState::Empty) {
+        return NodeState::Empty;
+      }
+      if (!relaxation.solved()) break;
+      const double after = lp.value(objective);
+      idle = after - before > LEAST_PROGRESS * (after - start) ? 0 : idle + 1;
+      relaxation.dropCuts();
+    }
+  }
+  return NodeState::Open;
+}
+
+template NodeState addRootCuts(Relaxation<std::int64_t>&, StopToken&);
+template NodeState addRootCuts(Relaxation<ZZ>&, StopToken&);
 
 template NodeState tightenRoot(const FormSystem<std::int64_t>&, Relaxation<std::int64_t>&,
                                SearchState<std::int64_t>&, StopToken&);

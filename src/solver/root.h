@@ -13,6 +13,14 @@ template <typename Z>
 [[nodiscard]] NodeState tightenRoot(const FormSystem<Z>& forms, Relaxation<Z>& relaxation,
                                     SearchState<Z>& state, StopToken& stop);
 
+/// Adds cuts to the relaxation as long as they raise the objective of the linear program. Throws
+/// `Stopped`.
+template <typename Z>
+[[nodiscard]] NodeState addRootCuts(Relaxation<Z>& relaxation, StopToken& stop);
+
+extern template NodeState addRootCuts(Relaxation<std::int64_t>&, StopToken&);
+extern template NodeState addRootCuts(Relaxation<ZZ>&, StopToken&);
+
 extern template NodeState tightenRoot(const FormSystem<std::int64_t>&, Relaxation<std::int64_t>&,
                                       SearchState<std::int64_t>&, StopToken&);
 extern template NodeState tightenRoot(const FormSystem<ZZ>&, Relaxation<ZZ>&, SearchState<ZZ>&,

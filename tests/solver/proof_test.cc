@@ -160,7 +160,7 @@ TYPED_TEST(Proof, AnExaminedNodeKeepsItsPointsAndUndoBringsBackItsBounds) {
     Small<Z> small(seed);
     const auto ranges = coordinateRanges(small.system);
     ASSERT_TRUE(ranges.has_value());
-    const ItemSystem<Z> items = itemSystem(small.system, *ranges);
+    ItemSystem<Z> items = itemSystem(small.system, *ranges);
     Silent<Z> state;
     Relaxation<Z> relaxation(small.system, items, state);
     relaxation.linearProgram().setCost(items.objective, 1);
