@@ -23,6 +23,7 @@ Relaxation<Z>::Relaxation(const FormSystem<Z>& formSystem, ItemSystem<Z>& itemSy
       state(searchState),
       boxes{itemSystem.lower, itemSystem.upper},
       prover(system, boxes),
+      propagation(system, boxes),
       dictionary(itemSystem),
       firstCut(itemSystem.count),
       goalOf(itemSystem.count, NONE),
@@ -44,6 +45,7 @@ std::size_t Relaxation<Z>::addCuts() requires std::same_as<Z, std::int64_t> {
   }
   dictionary.append(system);
   prover.adapt();
+  propagation.adapt();
   trail.clear();
   return cuts.size();
 }
@@ -66,6 +68,7 @@ void Relaxation<Z>::dropCuts() {
   goalOf.resize(kept);
   dictionary.remove(gone);
   system.removeCuts(gone);
+  propagation.adapt();
   trail.clear();
 }
 
@@ -95,6 +98,7 @@ bool Relaxation<Z>::raiseLower(std::size_t item, const Z& value) {
   if (!(bound > boxes.lower[item])) return true;
   if (bound > boxes.upper[item]) return false;
   trail.push_back({item, true, boxes.lower[item]});
+  propagation.announce(item);
   setBound(item, true, bound);
   return moveGoalSides(item);
 }
@@ -104,6 +108,7 @@ bool Relaxation<Z>::dropUpper(std::size_t item, const Z& value) {
   if (!(value < boxes.upper[item])) return true;
   if (value < boxes.lower[item]) return false;
   trail.push_back({item, false, boxes.upper[item]});
+  propagation.announce(item);
   setBound(item, false, value);
   return moveGoalSides(item);
 }
@@ -122,6 +127,7 @@ bool Relaxation<Z>::moveGoalSides(std::size_t item) {
 
 template <typename Z>
 void Relaxation<Z>::undo(std::size_t mark) {
+  propagation.forget();
   for (; trail.size() > mark; trail.pop_back()) {
     Move& move = trail.back();
     setBound(move.item, move.isLower, move.old);
@@ -197,10 +203,18 @@ NodeState Relaxation<Z>::tighten() {
 }
 
 template <typename Z>
+bool Relaxation<Z>::propagate() {
+  return propagation.run([&](std::size_t item, const Z& low, const Z& high) {
+    return raiseLower(item, low) && dropUpper(item, high);
+  });
+}
+
+template <typename Z>
 NodeState Relaxation<Z>::examine(int rounds) {
   const int limit = PIVOTS_PER_COLUMN * static_cast<int>(dictionary.columns()) + PIVOTS_AT_LEAST;
   hasSolution = false;
   for (int round = 0;; ++round) {
+    if (!forms.ordered && !propagate()) return NodeState::Empty;
     const LpEnd end = dictionary.solve(limit);
     if (end == LpEnd::Infeasible) {
       // What cannot be proved empty stays open, without a solution.
@@ -210,10 +224,37 @@ NodeState Relaxation<Z>::examine(int rounds) {
     }
     hasSolution = end == LpEnd::Optimal;
     if (round >= rounds) return NodeState::Open;
-    const NodeState found = tighten();
+    const NodeState found = drawConclusions();
     if (found != NodeState::Moved) return found;
     hasSolution = false;
   }
+}
+
+/// Moved: the solution does not belong to the present bounds any more.
+template <typename Z>
+NodeState Relaxation<Z>::drawConclusions() {
+  if (forms.ordered) return tighten();
+  if (system.objective == NONE || !hasSolution || !dictionary.isBasic(system.objective)) {
+    return NodeState::Open;
+  }
+  dictionary.addWork(static_cast<std::int64_t>(2 * dictionary.columns()));
+  if (!promises(system.objective)) return NodeState::Open;
+  const NodeState found = conclude(system.objective);
+  if (found != NodeState::Moved) return found;
+  if (!propagate()) return NodeState::Empty;
+  return holdsSolution() ? NodeState::Open : NodeState::Moved;
+}
+
+template <typename Z>
+bool Relaxation<Z>::holdsSolution() const {
+  for (std::size_t item = 0; item < system.count; ++item) {
+    const double value = dictionary.value(item);
+    const double tolerance = dictionary.tolerance(item);
+    if (value < dictionary.lower(item) - tolerance || value > dictionary.upper(item) + tolerance) {
+      return false;
+    }
+  }
+  return true;
 }
 
 template <typename Z>

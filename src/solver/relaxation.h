@@ -7,6 +7,7 @@
 
 #include "solver/dictionary.h"
 #include "solver/proof.h"
+#include "solver/propagation.h"
 #include "solver/search_state.h"
 
 namespace vexil::solver {
@@ -52,7 +53,9 @@ class Relaxation {
 
   /// Solves the linear program and draws conclusions, up to `rounds` times, ending with a solution
   /// that belongs to the present bounds. `solved` tells whether there is one; without it the node
-  /// is open but its values mean nothing.
+  /// is open but its values mean nothing. Where equations order the coordinates all rows of the
+  /// dictionary are tried on the bounds; otherwise the rows of the system, before the linear
+  /// program, and the objective (reduced costs).
   [[nodiscard]] NodeState examine(int rounds);
   [[nodiscard]] bool solved() const { return hasSolution; }
 
@@ -70,7 +73,9 @@ class Relaxation {
   bool offer(const std::vector<Z>& coordinates);
 
   /// Counted work so far.
-  [[nodiscard]] std::int64_t work() const { return dictionary.work() + proofWork; }
+  [[nodiscard]] std::int64_t work() const {
+    return dictionary.work() + proofWork + propagation.work();
+  }
   [[nodiscard]] std::int64_t proofs() const { return proofCount; }
 
  private:
@@ -82,6 +87,9 @@ class Relaxation {
 
   void setBound(std::size_t item, bool isLower, const Z& value);
   [[nodiscard]] bool moveGoalSides(std::size_t item);
+  [[nodiscard]] bool propagate();
+  [[nodiscard]] NodeState drawConclusions();
+  [[nodiscard]] bool holdsSolution() const;
   [[nodiscard]] bool promises(std::size_t item) const;
   [[nodiscard]] Z onCosetUpward(const Z& value) const;
 
@@ -90,6 +98,7 @@ class Relaxation {
   SearchState<Z>& state;
   Boxes<Z> boxes;
   Prover<Z> prover;
+  Propagation<Z> propagation;
   Dictionary dictionary;
   std::vector<Move> trail;
   std::size_t firstCut;
