@@ -92,7 +92,7 @@ bool isLpName(std::string_view name) {
                       !isDigit(name.front()) && !isInfinityWord(name) &&
                       !equalsIgnoringCase(name, "free");
   return isWord && std::none_of(SECTION_WORDS.begin(), SECTION_WORDS.end(), [&](const auto& word) {
-           return matchLength(name, word.words) == name.size();
+           return equalsIgnoringCase(name, word.words.substr(0, word.words.find(' ')));
          });
 }
 

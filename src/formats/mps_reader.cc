@@ -124,7 +124,7 @@ void MpsReader::readHeader() {
   }
   section_ = name;
   if (name == "NAME") {
-    if (records_.size() > 1) model_.name = records_[1];
+    if (records_.size() > 1 && records_[1] != "BLANK") model_.name = records_[1];
   } else if (name == "OBJSENSE" && records_.size() > 1) {
     readSense(1);
   } else if (records_.size() > 1 && name != "RHS" && name != "RANGES" && name != "BOUNDS") {

@@ -38,7 +38,8 @@ bool isRange(const NamedRow& row) { return row.lower && row.upper && !row.isEqua
 
 std::string MpsText::make() {
   for (const std::string& remark : model_.remarks) text_ += "* vexil: " + remark + '\n';
-  text_ += "NAME" + (isMpsName(model_.name) ? " " + model_.name : "") + '\n';
+  // The third word keeps readers from taking the free form for the fixed one.
+  text_ += joined("NAME ", isMpsName(model_.name) ? model_.name : "BLANK", " FREE\n");
   appendRows();
   appendColumns();
   appendSides();

@@ -1,6 +1,7 @@
 // Vexil - exact integer optimization on lattices.
 #include "formats/plain_model.h"
 
+#include <algorithm>
 #include <unordered_set>
 
 #include "foundation/failure.h"
@@ -45,9 +46,20 @@ void multiply(NamedRow& row, const Coefficient& factor) {
 }
 
 /// The greatest whole number up to a value.
-QQ wholeBelow(const QQ& value) {
+Coefficient wholeBelow(const Coefficient& number) {
+  const QQ value = number.value();
   const QQ whole(wholeSigned(value));
-  return whole > value ? whole - QQ::ONE() : whole;
+  return Coefficient(whole > value ? whole - QQ::ONE() : whole);
+}
+
+Coefficient wholeAbove(const Coefficient& number) { return -wholeBelow(-number); }
+
+/// True for a name that no reader is known to refuse for its characters or its length, also with
+/// something behind it.
+bool isPortable(std::string_view name) {
+  constexpr std::size_t LONGEST = 100;
+  return name.size() <= LONGEST &&
+         std::all_of(name.begin(), name.end(), [](char c) { return c > ' ' && c <= '~'; });
 }
 
 /// Names in use, and new ones.
@@ -75,12 +87,13 @@ class PlainModel {
   void makeNamesLegal();
   void dropFreeRows();
   void moveDecimals();
-  void moveFractionalBounds();
+  void settleBounds();
   void mergeTargets();
   void addGoal(NamedTarget&& goal, NamedTarget& objective);
   void clearFractions();
   void moveConstant();
   void splitRanges();
+  void addEmptyRow();
   void turnSense();
 
   void remark(std::string text) { model_.remarks.push_back(std::move(text)); }
@@ -98,11 +111,12 @@ NamedModel PlainModel::make() {
   makeNamesLegal();
   dropFreeRows();
   moveDecimals();
-  moveFractionalBounds();
+  settleBounds();
   mergeTargets();
   clearFractions();
   moveConstant();
   if (!settings_.ranges) splitRanges();
+  addEmptyRow();
   if (!settings_.maximize) turnSense();
   return std::move(model_);
 }
@@ -123,7 +137,8 @@ void PlainModel::makeNamesLegal() {
     std::vector<char> taken;
     taken.reserve(named.size());
     for (const auto& one : named) {
-      taken.push_back(settings_.isLegalName(one.name) && names.take(one.name) ? 1 : 0);
+      const bool isLegal = isPortable(one.name) && settings_.isLegalName(one.name);
+      taken.push_back(isLegal && names.take(one.name) ? 1 : 0);
     }
     return taken;
   };
@@ -174,21 +189,18 @@ void PlainModel::moveDecimals() {
   for (NamedRow& row : model_.rows) move(row.form);
 }
 
-void PlainModel::moveFractionalBounds() {
+/// Readers differ about what a fractional bound makes of an integer variable. An upper bound that
+/// gets below the lower one is told by a row, as no reader takes it for a bound.
+void PlainModel::settleBounds() {
   for (std::size_t j = 0; j < model_.variables.size(); ++j) {
     NamedVariable& x = model_.variables[j];
-    NamedRow row{.form = {{static_cast<std::int32_t>(j), 1}}};
-    if (x.lower && !x.lower->isDecimal()) {
-      row.lower = x.lower;
-      x.lower = Coefficient(wholeBelow(x.lower->value()));
-    }
-    if (x.upper && !x.upper->isDecimal()) {
-      row.upper = x.upper;
-      x.upper = Coefficient(wholeBelow(x.upper->value()) + QQ::ONE());
-    }
-    if (!row.lower && !row.upper) continue;
-    row.name = rowNames_.fresh(joined("bound", j + 1));
-    model_.rows.push_back(std::move(row));
+    if (x.integer && x.lower) x.lower = wholeAbove(*x.lower);
+    if (x.integer && x.upper) x.upper = wholeBelow(*x.upper);
+    if (!x.lower || !x.upper || !(*x.upper < *x.lower)) continue;
+    model_.rows.push_back({.name = rowNames_.fresh(joined("bound", j + 1)),
+                           .form = {{static_cast<std::int32_t>(j), 1}},
+                           .upper = std::move(x.upper)});
+    x.upper.reset();
   }
 }
 
@@ -290,6 +302,13 @@ void PlainModel::splitRanges() {
     model_.rows.push_back(std::move(row));
     model_.rows.push_back(std::move(upper));
   }
+}
+
+/// Some readers take no model without rows.
+void PlainModel::addEmptyRow() {
+  if (!model_.rows.empty()) return;
+  model_.rows.push_back({.name = rowNames_.fresh("empty"), .lower = 0});
+  remark("empty " + model_.rows.front().name);
 }
 
 void PlainModel::turnSense() {

@@ -21,9 +21,12 @@ struct PlainSettings {
 ///   a goal             becomes an equation with two deviations, whose sum joins the objective
 ///   decimal places     x is written as the whole number 10^k x
 ///   fractions          a row is multiplied by their denominator, and so is the objective; a bound
-///                      gives way to the next whole number outside and a row
+///                      of an integer variable gives way to the next whole number inside, or to a
+///                      row where there is none
+///   no rows            gives way to one without a term
 ///   a constant         is the factor of a variable that is fixed to 1
-///   illegal names      and those that occur twice give way to x1, x2, ..., c1, c2, ...
+///   illegal names      those with more than 100 characters or others than printable ASCII, and
+///                      those that occur twice give way to x1, x2, ..., c1, c2, ...
 [[nodiscard]] NamedModel plainModel(const NamedModel& model, const PlainSettings& settings);
 
 }  // namespace vexil::formats

@@ -46,6 +46,7 @@ class Remarks {
   bool setTitle(std::string_view words);
   bool turnSense(std::string_view words);
   bool mergeRange(std::string_view words);
+  bool dropEmptyRow(std::string_view words);
   bool takeConstant(std::string_view words);
   bool divideObjective(std::string_view words);
   bool noteDeviations(std::string_view words);
@@ -93,6 +94,7 @@ void Remarks::apply() {
     applyAll("model", &Remarks::setTitle);
     applyAll("maximize", &Remarks::turnSense);
     applyAll("range", &Remarks::mergeRange);
+    applyAll("empty", &Remarks::dropEmptyRow);
     applyAll("constant", &Remarks::takeConstant);
     applyAll("scaled", &Remarks::divideObjective);
     applyAll("goal", &Remarks::noteDeviations);
@@ -148,6 +150,17 @@ bool Remarks::mergeRange(std::string_view words) {
   if (!sameForm || !a.lower || a.upper || b.lower || !b.upper || *b.upper < *a.lower) return false;
   a.upper = b.upper;
   removedRows_[static_cast<std::size_t>(second)] = 1;
+  return true;
+}
+
+bool Remarks::dropEmptyRow(std::string_view words) {
+  const std::int32_t index = find(rows_, words);
+  if (index < 0) return false;
+  const NamedRow& row = model_.rows[static_cast<std::size_t>(index)];
+  const bool holds = (!row.lower || !(Coefficient(0) < *row.lower)) &&
+                     (!row.upper || !(*row.upper < Coefficient(0)));
+  if (!row.form.empty() || !holds) return false;
+  removedRows_[static_cast<std::size_t>(index)] = 1;
   return true;
 }
 

@@ -83,6 +83,15 @@ Vexil<QQ> programOf(const std::filesystem::path& file) {
   return program;
 }
 
+/// True if every variable has the decimal places of the program.
+bool isPoint(const Vexil<QQ>& program, const Star<QQ>& star) {
+  for (std::int64_t j = 1; j <= star.MN; ++j) {
+    const QQ unit = program.dx[j].positive ? pow(QQ(10), program.dx[j]) : QQ(1);
+    if (!isZero((star[j] * unit).zaehler)) return false;
+  }
+  return true;
+}
+
 /// What a program says of all points of a small grid, fractions among them.
 Texts verdicts(const Vexil<QQ>& program) {
   static const std::vector<QQ> GRID = {-2, QQ("-1/2"), 0, 1, QQ("1:1/4"), 7};
@@ -99,7 +108,7 @@ Texts verdicts(const Vexil<QQ>& program) {
     for (std::int64_t j = 1; j <= star.MN; ++j, digits /= GRID.size()) {
       star[j] = GRID[digits % GRID.size()];
     }
-    const bool valid = program.starIsValid(star);
+    const bool valid = isPoint(program, star) && program.starIsValid(star);
     result.push_back(valid ? joined(star.targetNorm, " ", star.slackNorm) : "no");
   }
   return result;
@@ -152,10 +161,10 @@ TEST(LpWriter, WritesOneObjectiveInDecimals) {
   EXPECT_EQ(text.substr(text.find("Minimize")),
             "Minimize\n t1: + 0.5 x1 - 0.06 x2 + 18 x3 + 3 t3_below + 3 t3_above + 3 t4_below\n"
             "  + 3 t4_above - 1 constant\nSubject To\n c1: + 3 x1 + 0.06 x2 + 1 x3 >= -9\n"
-            " c1_upper: + 3 x1 + 0.06 x2 + 1 x3 <= 36\n bound1: + 3 x1 >= 1\n"
+            " c1_upper: + 3 x1 + 0.06 x2 + 1 x3 <= 36\n"
             " t3: + 3 x1 + 0.21 x2 + 21 x3 + 21 t3_below - 21 t3_above = 7\n"
             " t4: + 1 x1 + 0.01 x2 + 1 x3 + 1 t4_below - 1 t4_above = 7\n"
-            "Bounds\n 0 <= x1 <= 9\n -250 <= x2 <= 400\n x3 free\n constant = 1\n"
+            "Bounds\n 1 <= x1 <= 9\n -250 <= x2 <= 400\n x3 free\n constant = 1\n"
             "General\n x1\n x2\n x3\nEnd\n");
 }
 
@@ -170,9 +179,31 @@ TEST(MpsWriter, WritesBothBoundsOfIntegerColumns) {
             " x3 t4 1\n MARKER2 'MARKER' 'INTEND'\n t3_below t1 3\n t3_below t3 21\n"
             " t3_above t1 3\n t3_above t3 -21\n t4_below t1 3\n t4_below t4 1\n"
             " t4_above t1 3\n t4_above t4 -1\n constant t1 -1\n"
-            "RHS\n RHS c1 -9\n RHS bound1 1\n RHS t3 7\n RHS t4 7\nRANGES\n RNG c1 45\n"
-            "BOUNDS\n LO BND x1 0\n UP BND x1 9\n LO BND free -250\n UP BND free 400\n"
+            "RHS\n RHS c1 -9\n RHS t3 7\n RHS t4 7\nRANGES\n RNG c1 45\n"
+            "BOUNDS\n LO BND x1 1\n UP BND x1 9\n LO BND free -250\n UP BND free 400\n"
             " FR BND x3\n FX BND constant 1\nENDATA\n");
+}
+
+/// Others need a row, take fractional bounds of integers in their own ways, and refuse names.
+TEST(LpWriter, WritesWhatOtherReadersTake) {
+  const support::TemporaryFolder folder;
+  const std::string name(100, 'n');
+  const std::string start = "[ -inf ] [ [ 1 0 ] ] [ ] [ ] [ ] [ ] [ ] [ 0 0 ] ";
+  for (const auto& [opt, lp] : std::vector<std::pair<std::string, std::string>>{
+           {"// x[1]: Subject\n// x[2]: a\xC3\xBC\n" + start + "[ -7/2 0 ] [ 7/2 inf ]\n",
+            "\\ vexil: name x1 Subject\n\\ vexil: name x2 a\xC3\xBC\n\\ vexil: empty empty\n"
+            "Minimize\n t1: + 1 x1 + 0 x2\nSubject To\n empty: + 0 x1 >= 0\n"
+            "Bounds\n -3 <= x1 <= 3\n"},
+           {"// x[1]: " + name + "\n// x[2]: n" + name + "\n" + start + "[ 1/2 2 ] [ 2/3 2 ]\n",
+            "\\ vexil: name x2 n" + name + "\nMinimize\n t1:\n  + 1 " + name +
+                "\n  + 0 x2\nSubject To\n bound1:\n  + 1 " + name + " <= 0\nBounds\n " + name +
+                " >= 1\n x2 = 2\n"},
+       }) {
+    support::writeFile(folder / "a.opt", opt);
+    const auto text =
+        modelText(readModel((folder / "a.opt").string(), {}), ModelForm::LP, {}, "a.opt");
+    EXPECT_EQ(text.substr(0, text.find("General")), lp);
+  }
 }
 
 TEST(Remarks, ThatDoNotFitAreLeftAlone) {
@@ -191,6 +222,9 @@ TEST(Remarks, ThatDoNotFitAreLeftAlone) {
            {"range r g", rows},
            {"range s r", rows},
            {"range r s", " r: x + y >= 5\n s: x + y <= 4\n"},
+           {"empty g", rows},
+           {"empty e", rows + " e: 0 x >= 1\n"},
+           {"empty e", rows + " e: 0 x <= -1\n"},
            {"decimals p 2", rows},
            {"decimals x 0", rows},
            {"decimals x two", rows},
