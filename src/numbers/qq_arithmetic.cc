@@ -98,7 +98,7 @@ void carryFraction(QQ& r) {
 }
 
 /// Adds numerator / denominator, a proper reduced fraction, to the fraction of r; a one that is
-/// carried goes to the whole part.
+/// carried goes to the whole part. Until then the numerator can be one limb longer.
 void addToFraction(QQ& r, Word numerator, Word denominator) {
   const Word common = gcdWord(denominator, remainder(r.nenner, denominator));
   if (common > 1) divideExactly(r.nenner, common);
@@ -106,7 +106,7 @@ void addToFraction(QQ& r, Word numerator, Word denominator) {
                                   .B = limbs::limb(numerator),
                                   .C = 0,
                                   .D = limbs::limb(denominator)};
-  combine(r.zaehler, r.nenner, std::max(r.zaehler.MN, r.nenner.MN) + WORD_LIMBS, sum);
+  combine(r.zaehler, r.nenner, std::max(r.zaehler.MN, r.nenner.MN) + WORD_LIMBS + 1, sum);
   carryFraction(r);
   if (common == 1 || isZero(r.zaehler)) return;
   const Word divisor = gcdWord(common, remainder(r.zaehler, common));
