@@ -6,6 +6,7 @@
 
 #include <array>
 #include <csignal>
+#include <fstream>
 #include <map>
 
 #include "support/tool_run.h"
@@ -104,20 +105,20 @@ std::string report(const Texts& blocks) {
 void addCommandLines(std::vector<Case>& rows) {
   const std::string usage = "Usage: vexil *.sol\n";
   int number = 0;
-  const std::vector<Texts> refusedLines = {{},        {""},          {"a.sol", "b.sol", "x.sol"},
-                                           {"x.SOL"}, {"x.sol.txt"}, {"x.sol", "a.txt"},
-                                           {"a.d/x"}};
-  for (const Texts& arguments : refusedLines) {
+  for (const Texts& arguments : std::vector<Texts>{
+           {}, {""}, {"a.sol", "b.sol", "x.sol"}, {"x.SOL"}, {"x.sol.txt"}, {"x.sol", "a.txt"}}) {
     Case row = kept("Usage" + std::to_string(++number), Program(), "[1 1]", "[1 1]", usage);
     row.status = 1;
     row.arguments = arguments;
     rows.push_back(row);
   }
   number = 0;
-  const std::vector<std::pair<std::string, std::string>> optFiles = {
-      {"r.1/x.y.sol", "r.1/x.y.opt"}, {"../x.sol", "../x.opt"}, {"x.sol.sol", "x.sol.opt"},
-      {".sol", ".sol.opt"},           {"d.d/.sol", "d.d/.opt"}, {"..sol", "..opt"}};
-  for (const auto& [solFile, optFile] : optFiles) {
+  for (const auto& [solFile, optFile] :
+       std::vector<std::pair<std::string, std::string>>{{"r.1/x.y.sol", "r.1/x.y.opt"},
+                                                        {"../x.sol", "../x.opt"},
+                                                        {"x.sol.sol", "x.sol.opt"},
+                                                        {"d.d/.sol", "d.d/.opt"},
+                                                        {"..sol", "..opt"}}) {
     Case row = refused("NoOptFile" + std::to_string(++number), std::nullopt, "[1 1]",
                        "Could not read opt file: " + optFile);
     row.arguments = {solFile};
@@ -133,71 +134,21 @@ void addCommandLines(std::vector<Case>& rows) {
   }
 }
 
-/// Where a program has two faults, the message is that of the one that is looked for first.
+/// Pairs of lines in a file: the failure and the opt file. Where that has two faults, the message
+/// is that of the one that is looked for first.
 void addFaultyPrograms(std::vector<Case>& rows) {
-  const auto add = [&](const std::string& name, const std::string& opt, const std::string& text) {
-    rows.push_back(refused(name, opt, "[ 1 1 ]\n", text));
-  };
-  const std::string recheck = "recheck sdim case and the usage of n (eg. in opt2lat)";
-  const std::string row1 = "[ [ 1 1 ] ]";
-  const std::string rows2 = "[ [ 1 1 ] [ 1 1 ] ]";
-  add("KtDimension", Program{.dt = "[ -inf ] = [ 1 2 ]", .At = rows2},
-      "The dimensions of the target properties (kt, dt) differ (2, 1)");
-  add("AtRows", Program{.At = rows2, .bg = "[ 1 ]"},
-      "The row count of At (2) differs with the dimension of dt (1)");
-  add("AgRows", Program{.Ag = rows2, .bg = "[ 1 ]", .Au = "[ [ 1 ] ]"},
-      "The row count of Ag (2) differs with the dimension of bg (1)");
-  add("NoVariables", Program{.dt = "[ ]", .At = "[ ]", .lu = "[ 1 ]"}, "Dimension error -- n == 0");
-  add("AgColumns", Program{.Ag = "[ [ 1 ] ]", .bg = "[ inf ]", .Au = "[ [ 1 ] ]"},
-      "The column count of Ag (1) is not right ( != 2 )");
-  add("AuColumns", Program{.At = "[ [ inf 1 ] ]", .Au = "[ [ 1 1 1 ] ]"},
-      "The column count of Au (3) is not right ( != 2 )");
-  add("AgGivesN", Program{.dt = "[ ]", .At = "[ ]", .Ag = "[ [ 1 1 1 ] ]", .bg = "[ 1 ]"}, recheck);
-  add("InfiniteAt", Program{.At = "[ [ 1 -inf ] ]", .Ag = row1, .bg = "[ inf ]"},
-      "+-inf not allowed in At");
-  add("InfiniteBg", Program{.Ag = "[ [ inf 1 ] ]", .bg = "[ -inf ]"}, "+-inf not allowed in bg");
-  add("InfiniteAg",
-      Program{.Ag = "[ [ 1 inf ] [ 1 1 ] ]", .bg = "[ 1 inf ]", .Au = "[ [ inf 1 ] ]"},
-      "+-inf not allowed in Ag");
-  add("InfiniteAu", Program{.Au = "[ [ 1 1 ] [ 1 inf ] ]", .lu = "[ 1 ]"},
-      "+-inf not allowed in Au");
-  add("LuDimension", Program{.Au = row1, .lu = "[ 1 2 ]", .ru = "[ 0 ]"},
-      "The row count of Au ( 1) differs with the dimension of lu / ru ( 2)");
-  add("RuDimension", Program{.Au = row1, .lu = "[ 5 ]", .ru = "[ 1 2 ]"},
-      "The dimensions of lu (1) and ru (2) differ");
-  add("RuBelowLu", Program{.Au = rows2, .lu = "[ 5 -inf ]", .ru = "[ 4 inf ]"},
-      "ru has to be >= lu in each of its components");
-  add("UselessInequation",
-      Program{.Au = rows2, .lu = "[ -inf 5 ]", .ru = "[ inf 4 ]", .rx = "[ 9 ]"},
-      "Useless inequation -inf <= ... <= inf found");
-  add("RxShort", Program{.lx = "[ 0 0 0 ]", .rx = "[ 9 ]"}, recheck);
-  add("RxLong", Program{.lx = "[ 0 ]", .rx = "[ 9 9 9 ]"},
-      "The dimension of rx has to be > 0 and < A_{t,u,g}.MN");
-  add("LxDimension", Program{.dx = "[ 0 0 0 ]", .lx = "[ 10 ]"},
-      "The dimensions of the solution properties (lx, rx, dx) differ (1, 2, 3)");
-  add("DxDimension", Program{.dx = "[ 0 ]", .lx = "[ 10 10 ]"},
-      "The dimensions of the solution properties (lx, rx, dx) differ (2, 2, 1)");
-  add("RxBelowLx", Program{.lx = "[ 0 10 ]"}, "rx has to be >= lx in each of its components");
-  add("VectorForMatrix", Program{.At = "[ 1 1 ]"}, "Matrix: bad input");
-  add("RowTooLong", Program{.Au = "[ [ ] [ 1 ] [ 1 1 ] ]"}, "Matrix row dimension mismatch");
-  add("EmptyFile", "", "Matrix: bad stream");
-  add("EndsBehindDt", "[ -inf ]\n", "Matrix: bad stream");
-  add("EndsBehindKt", "[ -inf ] = [ 1 ]", "Matrix: bad stream");
-  add("EndsBehindLx", Program{.rx = ""}, recheck);
-  add("EndsInVector", "[ -inf", "QQ: parse error1");
+  std::ifstream in(std::string(VEXIL_SOURCE_DIR) + "/tests/frontend/faulty_programs.txt");
+  for (std::string text, opt; std::getline(in, text) && std::getline(in, opt);) {
+    rows.push_back(refused("Faulty" + std::to_string(rows.size()), opt, "[ 1 1 ]\n", text));
+  }
+  rows.push_back(refused("EmptyFile", "", "[ 1 1 ]\n", "Matrix: bad stream"));
   rows.push_back(aborted("EndsInMatrix", "[ -inf ] [ [ 1 1 ]"));
   rows.push_back(aborted("EndsBehindAu", "[ -inf ] [ [ 1 1 ] ] [ ] [ ] [ ]"));
   rows.push_back(aborted("EndsBehindDx", Program{.lx = "", .rx = ""}));
 }
 
 void addNumbers(std::vector<Case>& rows) {
-  const std::vector<std::array<std::string, 3>> refusals = {
-      {"Decimal", "1.0", "QQ: parse error1"},
-      {"Fraction", "1:3/2", "QQ: malformed number2"},
-      {"Infinity", "ix", "Vector: bad input2"}};
-  for (const auto& [name, form, text] : refusals) {
-    rows.push_back(refused("Refused" + name, Program(), "[ 1 " + form + " ]", text));
-  }
+  rows.push_back(refused("RefusedDecimal", Program(), "[ 1 1.0 ]", "QQ: parse error1"));
   rows.push_back(kept("ExactNumbers",
                       Program{.At = "[ [ -7:1/3 0,25 ] ]", .rx = "[ 1 " + LONG_NUMBER + " ]"},
                       "[ 1 " + LONG_NUMBER + " ]\n",
@@ -208,11 +159,6 @@ void addNumbers(std::vector<Case>& rows) {
   rows.push_back(kept("Infinities", Program{.rx = "[ inf +inf ]"}, "[ inf 1 ]\n",
                       "[ inf 1 ] | inf | [ inf ] | 0 | -1 | \n",
                       report({minimized("inf 1", "inf")})));
-  rows.push_back(refused("ZeroTimesInfinity", Program{.At = "[ [ 0 1 ] ]", .rx = "[ inf 9 ]"},
-                         "[ inf 1 ]\n", "qq: 0 * INF is not defined!"));
-  rows.push_back(refused("InfinityMinusInfinity",
-                         Program{.At = "[ [ 1 -1 ] ]", .rx = "[ inf inf ]"}, "[ inf inf ]\n",
-                         "INF - INF is not defined"));
 }
 
 void addPrograms(std::vector<Case>& rows) {
@@ -223,16 +169,12 @@ void addPrograms(std::vector<Case>& rows) {
                       "[ 1 1 ] | 2 | [ 3 4 2 ] | 3 | -1 | --a=1 | 2.2.3\n",
                       report({block("2 1", "4↓ 7↑ 3→5 ", "-1", "2", "12 sec(s)"),
                               block("1 1", "3↓ 4↑ 2→5 ", "2", "3")})));
-  // A short row is filled up with zeros; a short last one fails where its length matters.
+  // A short row is filled up with zeros.
   rows.push_back(kept(
       "ShortRows", Program{.dt = "[ -inf -inf -inf 1/2 ]", .At = "[ [ ] [ 1 2 ] [ 3 ] [ 0 5 ] ]"},
       "[ 1 1 ]\n", "[ 1 1 ] | 10.5 | [ 0 3 3 5 ] | 4.5 | -1 | \n",
       report({block("1 1", "0↓ 3↓ 3↓ 5→0.5 ", "10.5", "4.5")})));
-  const Program shortLastRow{.Au = "[ [ 1 1 ] [ 1 ] ]", .lu = "[ 0 0 ]", .ru = "[ 9 9 ]"};
-  rows.push_back(refused("ShortLastRow", shortLastRow, "[ 1 1 ]\n", "Vector: dimension mismatch8"));
-  // A slash that starts no comment cannot be put back into the opt file; in the sol file the
-  // character behind it takes its place.
-  rows.push_back(refused("StraySlash", Program{.rx = "[ 1 /2 ]"}, "[ 1 1 ]\n", "QQ: parse error1"));
+  // The character behind a slash that starts no comment takes its place.
   rows.push_back(kept("StraySlashInAStar", WITHOUT_TARGETS, "[ 1 /2 ]\n",
                       "[ 1 22 ] | 0 | [ ] | 0 | -1 | \n", report({block("1 22", "", "0", "0")})));
   rows.push_back(emptied("NothingIsInfinite",
@@ -268,7 +210,6 @@ void addPrecision(std::vector<Case>& rows) {
   const std::string thrice = "99999999999999999/100000000000000000";
   add("LongCoefficientIsExact", {.At = "[ [ 1/3 " + LONG_NUMBER + " ] ]"}, "1 1", "1 1", "1 1",
       LONG_NUMBER + ":1/3");
-  add("MillionHasExponent", {.At = "[ [ 1234567 1 ] ]"}, "1 0", "1 0", "1 0", "1.23457e+06");
   add("LongElementIsExact", wide, "100000000000000001 1", "100000000000000001 1",
       "100000000000000001 1", "1");
   add("FractionalElement", {}, "1/3 0,5", "0.33333333333333333 0.5", "0.333333 0.5", "0.833333");
@@ -289,10 +230,6 @@ void addPrecision(std::vector<Case>& rows) {
       "[ 1 1 ] | 0 | [ ] | 0 | -1 | --a=1\n[ 1 " + LONG_NUMBER + " ] | 0 | [ ] | 0 | -1 | --a=1\n",
       "[ 1 1 ] | 0.333333 | [ 0.333333 ] | 0 | -1 | --a=1\n",
       report({minimized("1 1", "0.333333")})));
-  rows.push_back(kept("LongNormIsExact", WITHOUT_TARGETS,
-                      "[ 1 1 ] | " + LONG_NUMBER + " | [ ] | -1:1/2 | -1 | --a=1\n",
-                      "[ 1 1 ] | " + LONG_NUMBER + " | [ ] | -1:1/2 | -1 | --a=1\n",
-                      report({block("1 1", "", LONG_NUMBER, "-1:1/2")})));
 }
 
 void addSolFiles(std::vector<Case>& rows) {
@@ -310,7 +247,6 @@ void addSolFiles(std::vector<Case>& rows) {
   rows.push_back(emptied("NoFile", Program(), std::nullopt));
   rows.push_back(emptied("Nothing", Program(), ""));
   add("CutBehindSlackNorm", "[ 2 1 ] | 3 | [ 3 ] | 0", star + "-1 | \n", {bare});
-  add("NoNewline", "[ 2 1 ] | 3 | [ 3 ] | 0 | 7 | --a=1", star + "7 | --a=1\n", {found});
   add("AllComments",
       "/* first */ [ 2 // two\n 1 ] /* bar */ | // norm\n0 /**/ | [ /* none */ ] | 0 | 7 /* s */\n"
       "| /* options */ --a=1 // kept | 2.2.3 // too\n// the end\n",
@@ -343,7 +279,6 @@ void addSolFiles(std::vector<Case>& rows) {
   add("SecondFailingStarIsShort", "[ 10 0 ] | 0 | [ ] | 0 | -1 | --a=1\n" + shortStar, shortStar,
       {minimized("2", "3", "7 sec(s)")});
   fail("WrongLength", shortStar, "Vector: dimension mismatch10");
-  fail("NoBracket", "2 1\n", "Vector: dimension mismatch10");
   fail("CutInVector", "[ 2 1", "QQ: parse error1");
   fail("BadSlackNorm", "[ 2 1 ] | 1 | [ ] | 1:2 | 7" + texts, "QQ: malformed number2");
   fail("NormWithExponent", "[ 1 0 ] | 1.23457e+06 | [ 1.23457e+06 ] | 0 | 7" + texts,
@@ -433,10 +368,10 @@ INSTANTIATE_TEST_SUITE_P(, CommandLine, testing::ValuesIn(allCases()),
 
 TEST(ProgramName, IsThePartBehindTheLastSlash) {
   const support::TemporaryFolder folder;
-  for (const auto& [word, name] : std::vector<std::pair<std::string, std::string>>{
-           {"vexil", "vexil"}, {"/usr/bin/other tool", "other tool"}, {"bin/", ""}, {"", ""}}) {
+  for (const auto& [word, name] :
+       {std::pair("vexil", "vexil"), {"/usr/bin/a b", "a b"}, {"b/", ""}}) {
     const auto end = support::run({.folder = folder.path(), .firstWord = word});
-    EXPECT_EQ(end.out, "Usage: " + name + " *.sol\n");
+    EXPECT_EQ(end.out, std::string("Usage: ") + name + " *.sol\n");
     EXPECT_EQ(end.status, 1);
   }
 }

@@ -2,8 +2,8 @@
 //
 // vexil_fuzz [--seconds N] [--seed S] [--runs N]
 //
-// Feeds changed opt and sol files to the tool, changed texts to the readers that the tool does not
-// reach, and random programs to the engine, each in a process of its own. Any end is right but a
+// Feeds changed opt and sol files to the tools and random programs to the engine, each in a process
+// of its own. Any end is right but a
 // crash, a hang, a report of a sanitizer, a file that is changed where it should not be and a star
 // of the engine that the tool does not let pass: then the input is kept in
 // fuzz-failure-<seed>/, and "--seed <seed> --runs 1" repeats it. Unless told, there are 10 seconds.
@@ -12,18 +12,10 @@
 #include <iterator>
 #include <map>
 #include <memory>
-#include <regex>
 #include <sstream>
 
-#include "foundation/matrix.h"
-#include "foundation/serializable_array.h"
-#include "frontend/abrupt_end.h"
-#include "frontend/solve_options.h"
 #include "fuzz/engine_run.h"
 #include "fuzz/mutation.h"
-#include "numbers/qq_vectors.h"
-#include "params/extended_params.h"
-#include "solutions/strict_sol_reader.h"
 #include "support/random_program.h"
 #include "support/tool_run.h"
 
@@ -62,100 +54,11 @@ const Texts SOLVE_OPTIONS = {"--rtime=1",
                              "--rtime=1 --tnorm=5 --snorm=2 --beta=2",
                              "--rtime=1 --deep=1 --verb=2"};
 
-const Texts READER_TEXTS = {
-    "[ 1 2 3 ]",
-    "[ inf -inf 0.5 -7:1/3 ]",
-    "[\n[ 1 2 ]\n[ 3 4 ]\n]",
-    "[ [ 1 ] [ 2 3 ] /* c */ [ ] ]",
-    "[ a,b\\,c, d\\ e\\\\ ]",
-    "[\nfirst\\\nline\nsecond // c\n]",
-    "--verb=2 --beta=10 /* c */ --tnorm=-7:1/3 --rtime=9223372036854775807 --bench=0.5\n",
-    "--snorm=inf --deep=1 --eenum=0 --sol=-1 --sampleLimit=18446744073709551615",
-    "--sol=0 --tnorm=-1.5e3 --rtime=60 -- x.opt",
-    "[ 2 1 ] | -381 | [ 410 26 ] | 0 | 7 | --a=1 | 2.2.3\n[ 3 -1/2 ]\n[ 1e3 - .5 ] | 1e6 | [ ] | "
-    "0\n",
-    "/* c */ [ 2 ] // c\n | 0 |\n[ 5 ] | 0 | -1 | \n[ 3 ] | | [ 1 ] 0 60 | [ x | 1.2 | more\n[ ]",
-};
-
-/// The options without a lattice.
-struct Options : ExtendedParams<QQ> {
-  Options() = default;
-};
-
-void readAndWrite(std::stringstream& in, auto&& object) {
-  object.read(in);
-  object.write(std::cout);
-}
-
-/// Reads stars strictly; what they are written as, which is no star without options, has to say the
-/// same again.
-void readStrictly(const std::string& text) {
-  StrictSolReader reader("x.sol", text);
-  try {
-    for (SolEntry entry, again; reader.next(entry);) {
-      if (entry.paramText.empty()) entry.paramText = "-";
-      const std::string line = joined(entry.elements, " | 0 | [ ] | 0 | ", entry.time, " | ",
-                                      entry.paramText, " | ", entry.version, "\n[ 1 ]");
-      StrictSolReader rereader("x.sol", line);
-      if (!rereader.next(again) || again.elements.MN != entry.elements.MN ||
-          !(again.elements == entry.elements) || again.time != entry.time ||
-          again.paramText != entry.paramText || again.version != entry.version ||
-          !rereader.next(again) || rereader.next(again)) {
-        std::abort();
-      }
-    }
-  } catch (const ReadException& fault) {
-    std::cout << fault.what();
-  }
-}
-
-/// Reads a command line; one that is taken gives an option line that is taken as well.
-void readCommandLine(std::istream& in) {
-  const auto wordsOf = [](std::istream& line) {
-    return std::vector<std::string>(std::istream_iterator<std::string>(line), {});
-  };
-  try {
-    const SolveOptions options = parseSolveOptions(wordsOf(in));
-    std::istringstream line(options.line + " -- x.opt");
-    if (options.action == SolveOptions::Action::SOLVE &&
-        parseSolveOptions(wordsOf(line)).line != options.line) {
-      std::abort();
-    }
-  } catch (const UsageException& fault) {
-    std::cout << fault.what();
-  }
-}
-
-/// The readers that the tool does not reach.
-const std::vector<void (*)(std::stringstream&)> READERS = {
-    [](auto& in) { readAndWrite(in, SerializableArray<String>(", ", false, false)); },
-    [](auto& in) { readAndWrite(in, SerializableArray<String>(",\n", true, false)); },
-    [](auto& in) { readAndWrite(in, Vector<long>()); },
-    [](auto& in) { readAndWrite(in, Vector<dbl_t>()); },
-    [](auto& in) { readAndWrite(in, Matrix<dbl_t>()); },
-    [](auto& in) { readAndWrite(in, Matrix<QQ>()); },
-    [](auto& in) { readStrictly(in.str()); },
-    [](auto& in) { readCommandLine(in); },
-    [](auto& in) {
-      // Powers are as large as the exponent of an option says: those stay out.
-      if (std::regex_search(in.str(), std::regex("[eE][0-9+.,/:-]"))) return;
-      releaseNamesOnAbruptEnd();
-      readAndWrite(in, Options());
-    }};
-
 /// A run with the input that belongs to its seed.
 class Attempt {
  public:
   explicit Attempt(std::uint64_t seed) : seed_(seed), random_(seed) {
-    const std::size_t kind = below(random_, 4);
-    if (kind == 0) {
-      const std::size_t reader = below(random_, READERS.size());
-      std::stringstream text(mutated(READER_TEXTS, random_));
-      files_ = {{"text" + std::to_string(reader), text.str()}};
-      child_.emplace([&] { return READERS[reader](text), 0; });
-      return;
-    }
-    if (kind == 1) {
+    if (below(random_, 3) == 0) {
       engine_ = EngineRun{below(random_, 4), below(random_, 3) == 0, below(random_, 2) == 0,
                           static_cast<long>(below(random_, 3))};
       files_ = {{"x.opt", support::RandomProgram(random_()).optText()}, {engine_->name(), ""}};

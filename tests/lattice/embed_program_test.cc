@@ -92,37 +92,6 @@ TEST(Divisors, AreFoundAtOnce) {
   EXPECT_EQ(nextDivisor(n, QQ("54321000000000000000").ganze), n);
 }
 
-TYPED_TEST(Embeddings, MapPointsThereAndBack) {
-  using T = TypeParam;
-  for (int round = 0; round < 100 && !this->HasFailure(); ++round) {
-    const int kind = round % 4;  // 1: with slack variables, 2: fixed variables, 3: equations alone
-    const auto random =
-        RandomProgram::make(3 + below(3), 1 + below(2), below(3), kind == 1, kind == 2);
-    SCOPED_TRACE(random.opt.text());
-    auto lattice = this->built(random.opt, kind == 1 ? "ft" : "ff", kind == 3);
-    const auto& [basis, embedding] = std::tie(lattice.basis, lattice.embedding);
-    Vector<T> point, image, back;
-    convert(random.point, point, false);
-    lattice.opt2lat(point, image, false);
-    EXPECT_EQ(lattice.lat2opt(image, back, true, false), 1);
-    EXPECT_TRUE(back == point) << back;
-    EXPECT_EQ(lattice.lat2opt(-image, back, true, false), 1);
-    EXPECT_TRUE(back == point) << back;
-    EXPECT_TRUE(image >= embedding.l) << image << embedding.l;
-    EXPECT_TRUE(image <= embedding.r) << image << embedding.r;
-    // The basis describes the same embedding.
-    const std::int64_t n = lattice.rx.MN;
-    Vector<T> coordinates = vector<T>("[ 1 ]");
-    for (std::int64_t i = basis.latDim - n; i < basis.latDim; ++i) {
-      coordinates.append((image[i] + embedding.R) / (T(2) * embedding.c[i]));
-    }
-    EXPECT_TRUE(coordinates * basis.B == image) << coordinates;
-    image[basis.latDim] = T{};
-    EXPECT_EQ(lattice.lat2opt(image, back, false, true), -1);
-    EXPECT_EQ(back.MN, n);
-  }
-}
-
 TYPED_TEST(Embeddings, RefuseVectorsThatAreNone) {
   using T = TypeParam;
   const OptText opt = {

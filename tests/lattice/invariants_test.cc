@@ -119,12 +119,14 @@ bool check(const RandomProgram& random, int round) {
     engine.checkBasis();
     Vector<T> point, image, back;
     convert(random.point, point, false);
-    if (!slacks) {
-      lattice.opt2lat(point, image, false);
-      EXPECT_EQ(lattice.lat2opt(image, back, true, false), 1);
-      EXPECT_TRUE(back == point) << back;
-      EXPECT_TRUE(lattice.isLatticeMember(image)) << image;
-    }
+    lattice.opt2lat(point, image, false);
+    EXPECT_EQ(lattice.lat2opt(-image, back, true, false), 1);
+    EXPECT_TRUE(back == point) << back;
+    EXPECT_TRUE(image >= lattice.embedding.l) << image << lattice.embedding.l;
+    EXPECT_TRUE(image <= lattice.embedding.r) << image << lattice.embedding.r;
+    EXPECT_TRUE(slacks || lattice.isLatticeMember(image)) << image;
+    image[image.MN] = T{};
+    EXPECT_EQ(lattice.lat2opt(image, back, true, false), -1);
     if (engine.search()) engine.checkReduced();
     engine.checkStars();
     const auto kept = keptAtReplay(engine);

@@ -3,11 +3,10 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <vector>
-
 #include "numbers/number_cases.h"
 #include "numbers/qq_vectors.h"
+#include "reduction/reducible.h"
+#include "support/engine.h"
 #include "support/pairs.h"
 #include "support/parsed.h"
 
@@ -50,37 +49,6 @@ Matrix<T> randomMatrix(std::int64_t m, std::int64_t n) {
   return M;
 }
 
-/// The rows of the lattice that the rows of M span, in Hermite form.
-template <typename T>
-std::vector<std::vector<long>> hermiteForm(const Matrix<T>& M) {
-  std::vector<std::vector<long>> rows;
-  for (const Vector<T>& row : M.elements()) {
-    auto& last = rows.emplace_back();
-    for (const T& x : row.elements()) last.push_back(static_cast<long>(numberAs<dbl_t>(x)));
-  }
-  std::size_t top = 0;
-  const auto subtract = [&](std::size_t i, long factor) {
-    for (std::size_t k = 0; k < rows[i].size(); ++k) rows[i][k] -= factor * rows[top][k];
-  };
-  for (std::size_t j = 0; top < rows.size() && j < rows[0].size(); ++j) {
-    for (std::size_t i = top + 1; i < rows.size(); ++i) {
-      while (rows[i][j] != 0) {
-        std::swap(rows[top], rows[i]);
-        subtract(i, rows[i][j] / rows[top][j]);
-      }
-    }
-    if (rows[top][j] == 0) continue;
-    if (rows[top][j] < 0) subtract(top, 2);
-    for (std::size_t i = 0; i < top; ++i) {
-      while (rows[i][j] < 0) subtract(i, -1);
-      subtract(i, rows[i][j] / rows[top][j]);
-    }
-    ++top;
-  }
-  rows.resize(top);
-  return rows;
-}
-
 TYPED_TEST(Elimination, RemovesDependentRows) {
   const std::pair<const char*, const char*> cases[] = {
       {"[ ]", ""},
@@ -106,9 +74,12 @@ TYPED_TEST(Elimination, KeepsTheLatticeOfTheRows) {
     const auto rows = randomMatrix<TypeParam>(1 + below(5), 1 + below(5));
     auto M = rows;
     removeDependentRows(M);
-    const auto expected = hermiteForm(rows);
-    ASSERT_EQ(M.rowCount, static_cast<std::int64_t>(expected.size())) << text(rows);
-    ASSERT_EQ(hermiteForm(M), expected) << text(rows);
+    Matrix<QQ> before, behind;
+    convert(rows, before);
+    convert(M, behind);
+    ASSERT_TRUE(spanTheSame(before, behind)) << text(rows);
+    const ExactGramSchmidt exact(M);
+    for (const QQ& length : exact.bstar.elements()) ASSERT_GT(length, 0) << text(rows) << text(M);
   }
 }
 

@@ -74,18 +74,16 @@ TYPED_TEST(GramSchmidtData, AreTakenUpAtTheFirstInvalidRow) {
 
 TYPED_TEST(GramSchmidtData, TellADependentRow) {
   using T = typename TypeParam::T;
-  struct Case {
-    const char* basis;
-    int dependent;
-  };
-  for (const Case& c : {Case{"[ [0 0] [1 0] ]", 1}, Case{"[ [1 2] [2 4] [0 1] ]", 2},
-                        Case{"[ [1 2] [0 1] [5 7] ]", 3}, Case{"[ [3 1 1] [0 2 1] [3 3 2] ]", 3}}) {
-    const auto B = matrix<T>(c.basis);
+  for (const auto& [basis, dependent] : {std::pair("[ [0 0] [1 0] ]", 1),
+                                         {"[ [1 2] [2 4] [0 1] ]", 2},
+                                         {"[ [1 2] [0 1] [5 7] ]", 3},
+                                         {"[ [3 1 1] [0 2 1] [3 3 2] ]", 3}}) {
+    const auto B = matrix<T>(basis);
     auto data = this->fresh(B);
-    EXPECT_FALSE(data.updateGramSchmidt(B, 1, 0)) << c.basis;
-    EXPECT_TRUE(data.isDependent(c.dependent)) << c.basis;
-    EXPECT_EQ(data.lqReducedRows(B, 1, 0, false), c.dependent) << c.basis;
-    EXPECT_EQ(this->fresh(B).lqFullRows(B, 1, 0, false), c.dependent) << c.basis;
+    EXPECT_FALSE(data.updateGramSchmidt(B, 1, 0)) << basis;
+    EXPECT_TRUE(data.isDependent(dependent)) << basis;
+    EXPECT_EQ(data.lqReducedRows(B, 1, 0, false), dependent) << basis;
+    EXPECT_EQ(this->fresh(B).lqFullRows(B, 1, 0, false), dependent) << basis;
     EXPECT_EXIT(data.lqReducedRows(B, 1, 0, true), testing::ExitedWithCode(1),
                 "Linear dependency detected - remove these first!");
     EXPECT_EXIT(data.lqFullRows(B, 1, 0, true), testing::ExitedWithCode(1),

@@ -276,28 +276,25 @@ TYPED_TEST(Candidates, OfTargetsBecomeStarsWithinTheLimits) {
   using T = typename TypeParam::T;
   Engine<TypeParam> engine(SHORTEST);
   const T off = -NumberTraits<T>::infinity();
-  struct Case {
-    int tnorm, snorm;  ///< -99: switched off
-    int T_, S;
-    bool allFinite, accepted;
-  };
-  for (const Case& c : {Case{-99, 0, 9, 0, false, true},
-                        {-99, 0, 9, 1, false, false},
-                        {-99, -1, 9, 0, false, false},
-                        {-99, -1, 9, 0, true, true},
-                        {5, -99, 5, 9, false, true},
-                        {5, -99, 6, 0, false, false},
-                        {5, 2, 5, 2, false, true},
-                        {5, 2, 6, 2, false, false},
-                        {5, 2, 5, 3, true, false},
-                        {-99, -99, 0, 0, false, false}}) {
-    engine.lattice.params.tnorm.current = c.tnorm == -99 ? off : T(c.tnorm);
-    engine.lattice.params.snorm.current = c.snorm == -99 ? off : T(c.snorm);
-    engine.lattice.program.allTargetsFinite = c.allFinite;
-    TargetVector<T> target;
-    target.targetNorm = T(c.T_);
-    target.slackNorm = T(c.S);
-    EXPECT_EQ(engine.lattice.isAcceptedStar(target), c.accepted) << c.tnorm << " " << c.snorm;
+  // Both limits, -99 standing for none, the norms, whether all targets are finite, the answer.
+  for (const auto& [tnorm, snorm, target, slack, allFinite, accepted] :
+       {std::tuple(-99, 0, 9, 0, false, true),
+        {-99, 0, 9, 1, false, false},
+        {-99, -1, 9, 0, false, false},
+        {-99, -1, 9, 0, true, true},
+        {5, -99, 5, 9, false, true},
+        {5, -99, 6, 0, false, false},
+        {5, 2, 5, 2, false, true},
+        {5, 2, 6, 2, false, false},
+        {5, 2, 5, 3, true, false},
+        {-99, -99, 0, 0, false, false}}) {
+    engine.lattice.params.tnorm.current = tnorm == -99 ? off : T(tnorm);
+    engine.lattice.params.snorm.current = snorm == -99 ? off : T(snorm);
+    engine.lattice.program.allTargetsFinite = allFinite;
+    TargetVector<T> vector;
+    vector.targetNorm = T(target);
+    vector.slackNorm = T(slack);
+    EXPECT_EQ(engine.lattice.isAcceptedStar(vector), accepted) << tnorm << " " << snorm;
   }
 }
 

@@ -5,12 +5,11 @@
 
 #include <algorithm>
 #include <array>
-#include <cfenv>
 #include <cmath>
 #include <limits>
-#include <map>
 #include <optional>
 #include <random>
+#include <set>
 
 #include "solver/basis.h"
 #include "solver/kernel.h"
@@ -21,7 +20,6 @@
 namespace vexil::solver {
 namespace {
 
-using support::Point;
 using support::RandomProgram;
 
 struct Never : StopToken {
@@ -54,46 +52,14 @@ std::optional<Prepared<Z>> prepared(Model model) {
   return result;
 }
 
-/// Keeps all points, or only ever better ones.
+/// Keeps all points.
 template <typename Z>
-class Collector : public SearchState<Z> {
- public:
-  Collector(const Prepared<Z>& program, bool onlyBetter)
-      : program_(program), onlyBetter_(onlyBetter) {}
-
-  bool offer(const FormSystem<Z>& system, const std::vector<Z>& values) override {
-    std::vector<ZZ> X = program_.basis.x0;
-    for (std::size_t f = 0; f < system.count; ++f) {
-      if (system.kind[f] == FormKind::Variable) X[system.source[f]] = toZZ(values[f]);
-    }
-    const Model& model = program_.model;
-    const auto product = [&](const std::vector<ZZ>& a) {
-      ZZ sum = 0;
-      for (std::size_t i = 0; i < model.n; ++i) sum = sum + a[i] * X[i];
-      return sum;
-    };
-    ZZ norm = model.constant + product(model.c);
-    for (const ModelGoal& goal : model.goals) norm = norm + abs(product(goal.g) - goal.wish);
-    if (this->hasCut) {
-      EXPECT_LE(norm, toZZ(this->cut));
-    }
-    Point point;
-    for (const ZZ& x : X) point.push_back(toNarrow(x));
-    if (!points.emplace(point, QQ(norm, model.scale)).second) return false;
-    order.push_back(point);
-    if (!onlyBetter_) return true;
-    this->hasCut = true;
-    this->cut = fromZZ<Z>(norm - ZZ(1));
-    this->finished = this->hasBound && this->bound > this->cut;
-    return true;
+struct Collector : SearchState<Z> {
+  bool offer(const FormSystem<Z>& /*system*/, const std::vector<Z>& values) override {
+    return points.insert(values).second;
   }
 
-  std::map<Point, QQ> points;
-  std::vector<Point> order;
-
- private:
-  const Prepared<Z>& program_;
-  bool onlyBetter_;
+  std::set<std::vector<Z>> points;
 };
 
 template <typename Z>
@@ -104,97 +70,11 @@ RunEnd runToEnd(Enumeration<Z>& enumeration, std::int64_t slice) {
   return end;
 }
 
-template <typename Z>
-Collector<Z>* enumerate(const Prepared<Z>& program, Collector<Z>& found, std::int64_t slice) {
-  Enumeration<Z> enumeration(program.system, program.ranges, found, never);
-  EXPECT_EQ(runToEnd(enumeration, slice), RunEnd::Exhausted);
-  return &found;
-}
-
 Model withoutTargets(Model model) {
   model.hasObjective = false;
   model.c.assign(model.n, 0);
   model.goals.clear();
   return model;
-}
-
-QQ normOf(const RandomProgram& random, const Point& X) {
-  return {ZZ(static_cast<long long>(random.norm(X))), RandomProgram::VALUE_UNIT};
-}
-
-template <typename Z>
-void compareWithBruteForce(std::uint64_t seed) {
-  const RandomProgram random(seed);
-  SCOPED_TRACE(random.optText());
-  const std::vector<Point> points = random.points();
-  const Model model = makeModel(random.program());
-  const auto plain = prepared<Z>(withoutTargets(model));
-  if (!plain) {
-    ASSERT_TRUE(points.empty());
-    return;
-  }
-  Collector<Z> all(*plain, false);
-  enumerate(*plain, all, 1'000'000);
-  ASSERT_EQ(all.points.size(), points.size());
-  for (const Point& X : points) ASSERT_TRUE(all.points.contains(X));
-  Collector<Z> piecewise(*plain, false);
-  enumerate(*plain, piecewise, 100);
-  ASSERT_EQ(piecewise.order, all.order);
-  if (!model.hasObjective || points.empty()) return;
-
-  std::vector<QQ> norms;
-  for (const Point& X : points) norms.push_back(normOf(random, X));
-  std::sort(norms.begin(), norms.end());
-  const auto aimed = prepared<Z>(model);
-  Collector<Z> best(*aimed, true);
-  enumerate(*aimed, best, 1000);
-  ASSERT_EQ(best.points.at(best.order.back()), norms.front());
-
-  Collector<Z> within(*aimed, false);
-  const QQ limit = norms[norms.size() / 2];
-  const QQ scaled = limit * QQ(aimed->model.scale);
-  within.hasCut = true;
-  within.cut = fromZZ<Z>(wholeSigned(scaled));
-  enumerate(*aimed, within, 1'000'000);
-  ASSERT_EQ(within.points.size(), std::count_if(norms.begin(), norms.end(),
-                                                [&](const QQ& norm) { return norm <= limit; }));
-}
-
-TEST(Enumeration, FindsWhatIsThere) {
-  for (std::uint64_t seed = 1000; seed < 1250; ++seed) compareWithBruteForce<std::int64_t>(seed);
-  for (std::uint64_t seed = 2000; seed < 2030; ++seed) compareWithBruteForce<ZZ>(seed);
-}
-
-TEST(Enumeration, CountsAsResidueTablesDo) {
-  constexpr std::size_t N = 24;
-  std::mt19937_64 generator(11);
-  for (const long most : {30L, 1000L}) {
-    Model model;
-    model.n = N;
-    model.decimals.assign(N, 0);
-    model.lower.assign(N, {true, false, 0});
-    model.upper.assign(N, {true, false, 1});
-    model.c.assign(N, 0);
-    std::vector<ZZ> row;
-    std::map<long, long> ways = {{0, 1}};
-    long sum = 0;
-    for (std::size_t i = 0; i < N; ++i) {
-      const long a = 1 + static_cast<long>(generator() % static_cast<std::uint64_t>(most));
-      row.push_back(a);
-      sum += a;
-      std::map<long, long> next = ways;
-      for (const auto& [value, count] : ways) next[value + a] += count;
-      ways = std::move(next);
-    }
-    const long target = most == 30 ? sum / 4 : sum / 2;
-    const Side side{true, false, target};
-    model.rows.push_back({row, side, side});
-    const auto program = prepared<std::int64_t>(model);
-    ASSERT_TRUE(program.has_value());
-    Collector<std::int64_t> found(*program, false);
-    enumerate(*program, found, 1 << 22);
-    EXPECT_EQ(found.points.size(), ways[target]);
-  }
 }
 
 /// Puts a wrong number into one of the vectors that the bounds have to be measured on.
@@ -218,10 +98,10 @@ TEST(Enumeration, IsNotMisledByWrongFloatingNumbers) {
     const auto program = prepared<std::int64_t>(withoutTargets(makeModel(random.program())));
     if (!program) continue;
     SCOPED_TRACE(random.optText());
-    Collector<std::int64_t> found(*program, false);
+    Collector<std::int64_t> found;
     Enumeration<std::int64_t> enumeration(program->system, program->ranges, found, never,
                                           [&](Projection& p) { spoil(p, generator); });
-    const RunEnd end = runToEnd(enumeration, 1 << 20);
+    const RunEnd end = runToEnd(enumeration, 100);
     (end == RunEnd::Exhausted ? carried : refused) += 1;
     if (end == RunEnd::Exhausted) {
       ASSERT_EQ(found.points.size(), random.points().size());
@@ -229,14 +109,6 @@ TEST(Enumeration, IsNotMisledByWrongFloatingNumbers) {
   }
   EXPECT_GT(carried, 50);
   EXPECT_GT(refused, 50);
-}
-
-TEST(Enumeration, IsRightInEveryRoundingMode) {
-  for (const int mode : {FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO}) {
-    std::fesetround(mode);
-    for (std::uint64_t seed = 4000; seed < 4060; ++seed) compareWithBruteForce<std::int64_t>(seed);
-    std::fesetround(FE_TONEAREST);
-  }
 }
 
 /// The claims of a projection at the points of its set, as an enumeration that passes them would
@@ -296,7 +168,7 @@ struct Always : StopToken {
 TEST(Enumeration, StopsWhenTold) {
   const auto program = prepared<std::int64_t>(makeModel(RandomProgram(1003).program()));
   ASSERT_TRUE(program.has_value());
-  Collector<std::int64_t> found(*program, false);
+  Collector<std::int64_t> found;
   Always stop;
   Enumeration<std::int64_t> enumeration(program->system, program->ranges, found, stop);
   EXPECT_THROW(static_cast<void>(enumeration.run(1000)), Stopped);

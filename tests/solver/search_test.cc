@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cfenv>
 #include <random>
 #include <sstream>
 #include <string>
@@ -78,31 +79,34 @@ class BruteForce : public testing::TestWithParam<Engines> {
     settings.enumeration = GetParam().enumeration;
     return solve(program, {}, settings, collector);
   }
+
+  /// The best norm, every point, or none.
+  static void expectTruth(std::uint64_t first, std::uint64_t last) {
+    for (std::uint64_t seed = first; seed <= last; ++seed) {
+      SCOPED_TRACE(seed);
+      const RandomProgram random(seed);
+      const Vexil<QQ> program = random.program();
+      const Truth truth(random);
+      Settings settings;
+      settings.wanted = 0;
+      Collector collector;
+      const Outcome outcome = answer(program, settings, collector);
+      if (truth.points.empty()) {
+        EXPECT_EQ(outcome.status, Status::Infeasible);
+      } else if (program.dt.MN == 0) {
+        EXPECT_EQ(outcome.status, Status::Feasible);
+        EXPECT_EQ(collector.points.size(), truth.points.size());
+        EXPECT_TRUE(outcome.complete);
+      } else {
+        EXPECT_EQ(outcome.status, Status::Optimal);
+        EXPECT_EQ(outcome.best, inUnits(truth.best));
+      }
+      EXPECT_EQ(outcome.limitation, "");
+    }
+  }
 };
 
-TEST_P(BruteForce, FindsTheBestNormOrEveryPointOrNone) {
-  for (std::uint64_t seed = 1; seed <= 1500; ++seed) {
-    SCOPED_TRACE(seed);
-    const RandomProgram random(seed);
-    const Vexil<QQ> program = random.program();
-    const Truth truth(random);
-    Settings settings;
-    settings.wanted = 0;
-    Collector collector;
-    const Outcome outcome = answer(program, settings, collector);
-    if (truth.points.empty()) {
-      EXPECT_EQ(outcome.status, Status::Infeasible);
-    } else if (program.dt.MN == 0) {
-      EXPECT_EQ(outcome.status, Status::Feasible);
-      EXPECT_EQ(collector.points.size(), truth.points.size());
-      EXPECT_TRUE(outcome.complete);
-    } else {
-      EXPECT_EQ(outcome.status, Status::Optimal);
-      EXPECT_EQ(outcome.best, inUnits(truth.best));
-    }
-    EXPECT_EQ(outcome.limitation, "");
-  }
-}
+TEST_P(BruteForce, FindsTheBestNormOrEveryPointOrNone) { expectTruth(1, 1500); }
 
 TEST_P(BruteForce, ReachesTheBestNormAndNothingBelowIt) {
   for (std::uint64_t seed = 1; seed <= 600; ++seed) {
@@ -121,6 +125,14 @@ TEST_P(BruteForce, ReachesTheBestNormAndNothingBelowIt) {
     settings.targetLimit = inUnits(truth.best - 1);
     Collector below;
     EXPECT_EQ(answer(program, settings, below).status, Status::Infeasible);
+  }
+}
+
+TEST_P(BruteForce, IsRightInEveryRoundingMode) {
+  for (const int mode : {FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO}) {
+    std::fesetround(mode);
+    expectTruth(4000, 4100);
+    std::fesetround(FE_TONEAREST);
   }
 }
 
