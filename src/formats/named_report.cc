@@ -17,7 +17,7 @@ std::string nameOf(const OptHead& head, std::string_view item, std::int64_t i,
 std::string namedReport(const Vexil<QQ>& program, const OptHead& head, const Star<QQ>& star) {
   std::string text;
   for (std::int64_t i = 1; i <= program.dt.MN; ++i) {
-    const QQ value = star.targetValues[i] + head.constant(i).value_or(QQ());
+    const QQ value = star.targetValues[i] + head.constant(i);
     text += joined(nameOf(head, "target", i, "t"), " = ", number(value));
     if (!program.dt[i].isInf) text += joined(" (wished: ", number(program.dt[i]), ')');
     text += '\n';

@@ -1,7 +1,6 @@
 // Vexil - exact integer optimization on lattices.
 #include "formats/opt_reader.h"
 
-#include "foundation/file_text.h"
 #include "numbers/strict_number.h"
 #include "program/vexil.h"
 
@@ -85,7 +84,7 @@ void OptModel::addTarget(std::int64_t i) {
   } else if (wish.positive) {
     target.wish = Wish::MAXIMIZE;
   }
-  if (const auto constant = head_.constant(i)) target.constant = Coefficient(*constant);
+  target.constant = Coefficient(head_.constant(i));
   model_.targets.push_back(std::move(target));
 }
 
@@ -109,8 +108,8 @@ Form OptModel::form(const Vector<QQ>& row) const {
 
 }  // namespace
 
-OptHead::OptHead(std::string_view text) {
-  while (!text.empty()) {
+OptHead::OptHead(const SourceText& source) {
+  for (std::string_view text = source.text(); !text.empty();) {
     const std::size_t end = std::min(text.find('\n'), text.size());
     const std::string_view line = trimmed(text.substr(0, end));
     text.remove_prefix(std::min(end + 1, text.size()));
@@ -119,7 +118,16 @@ OptHead::OptHead(std::string_view text) {
     const std::size_t colon = line.find(": ");
     if (colon == std::string_view::npos) continue;
     namesVariables_ = namesVariables_ || line.starts_with("// x[");
-    items_.emplace(line.substr(3, colon - 3), trimmed(line.substr(colon + 2)));
+    const std::string item(line.substr(3, colon - 3));
+    const std::string_view value = trimmed(line.substr(colon + 2));
+    items_.emplace(item, value);
+    if (!item.starts_with("constant[")) continue;
+    const auto number = strictNumber(value);
+    if (!number || number->isInf) {
+      source.expected(static_cast<std::size_t>(value.data() - source.text().data()),
+                      "a number, not ", value);
+    }
+    constants_.emplace(item, *number);
   }
 }
 
@@ -129,21 +137,16 @@ std::optional<std::string> OptHead::find(const std::string& item) const {
   return found->second;
 }
 
-std::optional<QQ> OptHead::constant(std::int64_t i) const {
-  const std::string item = joined("constant[", i, ']');
-  const auto text = find(item);
-  if (!text) return std::nullopt;
-  auto number = strictNumber(*text);
-  if (!number || number->isInf) fail(item, ": expected a number, not ", *text);
-  return number;
+QQ OptHead::constant(std::int64_t i) const {
+  const auto found = constants_.find(joined("constant[", i, ']'));
+  return found == constants_.end() ? QQ() : found->second;
 }
 
 NamedModel readOpt(const String& path) {
   Vexil<QQ> program;
   program.optFile = path;
   program.readOptFile();
-  const OptHead head(readFileText(path).value_or(""));
-  return OptModel(program, head, path).make();
+  return OptModel(program, OptHead(SourceText(path)), path).make();
 }
 
 }  // namespace vexil::formats

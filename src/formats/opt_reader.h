@@ -6,6 +6,7 @@
 #include <unordered_map>
 
 #include "formats/named_model.h"
+#include "formats/source_text.h"
 #include "foundation/string.h"
 
 namespace vexil::formats {
@@ -14,19 +15,22 @@ namespace vexil::formats {
 /// "// item[i]: text" ahead of everything else, as `optText` writes them.
 class OptHead {
  public:
-  explicit OptHead(std::string_view text);
+  /// Reads the head of an opt file. Fatal: "path:line:column: expected a number, not TEXT" for a
+  /// constant.
+  explicit OptHead(const SourceText& source);
 
   /// What a comment says of an item, as "model" or "x[3]"; nothing if none does.
   [[nodiscard]] std::optional<std::string> find(const std::string& item) const;
 
-  /// The constant of target i, i from 1. Fatal: "constant[i]: expected a number, not TEXT".
-  [[nodiscard]] std::optional<QQ> constant(std::int64_t i) const;
+  /// The constant of target i, i from 1; 0 if none is told.
+  [[nodiscard]] QQ constant(std::int64_t i) const;
 
   /// True if it names a variable.
   [[nodiscard]] bool namesVariables() const { return namesVariables_; }
 
  private:
   std::unordered_map<std::string, std::string> items_;
+  std::unordered_map<std::string, QQ> constants_;
   bool namesVariables_ = false;
 };
 

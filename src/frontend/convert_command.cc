@@ -66,13 +66,15 @@ ConvertCommand convertCommand(const std::vector<std::string>& words) {
 
 void convert(const ConvertCommand& command) {
   const String target = resolvedPath(command.target);
-  if (!command.force && readWholeFile(target)) {
+  const auto refuseToReplace = [&] {
     throw WriteException(command.target + ": exists (--force replaces it)");
-  }
+  };
+  if (!command.force && readWholeFile(target)) refuseToReplace();
   auto model = formats::readModel(command.source, command.settings);
   const auto form = *formats::modelForm(command.target);
-  replaceFile(target, formats::modelText(std::move(model), form, command.settings, command.source),
-              false);
+  const std::string text =
+      formats::modelText(std::move(model), form, command.settings, command.source);
+  if (!putFile(target, text, command.force)) refuseToReplace();
 }
 
 }  // namespace vexil

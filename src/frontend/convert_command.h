@@ -31,7 +31,8 @@ struct ConvertCommand {
 [[nodiscard]] ConvertCommand convertCommand(const std::vector<std::string>& words);
 
 /// Reads the source and replaces the target with the same model in the form of its ending, which
-/// another process finds complete or untouched. Fatal: what the readers report. Throws
+/// another process finds complete or untouched. A target that another process makes meanwhile is
+/// replaced with `force` only. Fatal: what the readers report. Throws
 /// `WriteException` "path: exists (--force replaces it)" and for what keeps the target from being
 /// written.
 void convert(const ConvertCommand& command);

@@ -15,10 +15,7 @@ void provideOptFile(const String& optFile, const String& model, formats::ReadSet
   const std::string text = formats::modelText(formats::readModel(model, settings),
                                               formats::ModelForm::OPT, settings, model);
   const String resolved = resolvedPath(optFile);
-  const auto old = readWholeFile(resolved);
-  if (!old) {
-    replaceFile(resolved, text, false);
-  } else if (*old != text) {
+  if (!putFile(resolved, text, false) && readWholeFile(resolved) != text) {
     throw WriteException(joined(optFile, ": holds another program than ", model,
                                 " and is not touched; give one of them another name"));
   }

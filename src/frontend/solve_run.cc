@@ -36,10 +36,8 @@ solver::Settings settingsOf(const SolveOptions& options, bool hasTargets) {
   return settings;
 }
 
-/// The report of all points: by the names that the opt file holds, else, or without `byName`, as
-/// the tool prints it.
-void printReport(const Vexil<QQ>& program, const StarStore& store, bool byName) {
-  const formats::OptHead head(byName ? readFileText(program.optFile).value_or("") : "");
+/// The report of all points: by the names that the opt file holds, else as the tool prints it.
+void printReport(const Vexil<QQ>& program, const formats::OptHead& head, const StarStore& store) {
   Vexil<QQ> shown;
   shown.dt = program.dt;
   shown.solStars.resize(1, false);
@@ -53,8 +51,8 @@ void printReport(const Vexil<QQ>& program, const StarStore& store, bool byName) 
   });
 }
 
-int search(const Vexil<QQ>& program, const SolveOptions& options, const Solver& solve,
-           SolveWatch::Clock::time_point start) {
+int search(const Vexil<QQ>& program, const formats::OptHead& head, const SolveOptions& options,
+           const Solver& solve, SolveWatch::Clock::time_point start) {
   StatusLine screen(isatty(STDERR_FILENO) != 0);
   const bool hasTargets = program.dt.MN > 0;
   const solver::Settings settings = settingsOf(options, hasTargets);
@@ -71,7 +69,7 @@ int search(const Vexil<QQ>& program, const SolveOptions& options, const Solver& 
   const auto fault = watch.saveAtLast();
   screen.clear();
   std::cout << answerText(outcome, settings, hasTargets);
-  printReport(program, store, options.names);
+  printReport(program, head, store);
   if (fault)
     std::cout << "\nThe stars, which " << program.solFile << " does not hold:\n" << store.text();
   std::cout << std::flush;
@@ -84,9 +82,11 @@ int search(const Vexil<QQ>& program, const SolveOptions& options, const Solver& 
 int solveRun(const SolveOptions& options, const Solver& solve) {
   const auto start = SolveWatch::Clock::now();
   const Vexil<QQ> program = programOf(options.file, options.reading);
+  const std::string text = options.names ? readFileText(program.optFile).value_or("") : "";
+  const formats::OptHead head(formats::SourceText(program.optFile, text));
   for (const String& key : options.idle) warn("--", key, " has no effect here");
   receiveStopSignals();
-  return search(program, options, solve, start);
+  return search(program, head, options, solve, start);
 }
 
 }  // namespace vexil

@@ -43,11 +43,13 @@ std::optional<struct stat> regularFile(const String& path) {
   return status;
 }
 
-/// A new file beside `path`, which goes away again unless it is renamed. Only who holds the lock
-/// of `path` makes one, so that one that is there was left by a process that has died.
+/// A new file beside `path`, which goes away again unless it is renamed. One that is there already
+/// was left by a process that has died: only who holds the lock of `path` makes one, or the process
+/// whose number is the `mark` of its name.
 class Draft {
  public:
-  Draft(const String& path, const std::optional<struct stat>& old) : name_(nameBeside(path)) {
+  Draft(const String& path, const std::optional<struct stat>& old, const std::string& mark = "")
+      : name_(nameBeside(path, mark)) {
     unlink(name_.c_str());
     constexpr mode_t ANYBODY = 0666;
     constexpr mode_t OWNER = 0600;
@@ -68,15 +70,26 @@ class Draft {
     if (!file_.close()) refuse(name_, "cannot be written");
   }
 
+  /// Gives the draft a second name that nothing has yet; false if something has. A file system
+  /// without links leaves a moment between look and renaming.
+  [[nodiscard]] bool linkTo(const String& path) {
+    if (link(name_.c_str(), path.c_str()) == 0) return true;
+    if (errno == EEXIST) return false;
+    if (errno != EPERM && errno != EMLINK && errno != ENOTSUP) refuse(path, "cannot be made");
+    if (statusOf(path)) return false;
+    renameTo(path);
+    return true;
+  }
+
   void renameTo(const String& path) {
     if (std::rename(name_.c_str(), path.c_str()) != 0) refuse(path, "cannot be replaced");
     name_.clear();
   }
 
  private:
-  static String nameBeside(const String& path) {
+  static String nameBeside(const String& path, const std::string& mark) {
     const std::size_t name = path.rfind('/') + 1;
-    return path.substr(0, name) + "." + path.substr(name) + ".vexil-solve";
+    return path.substr(0, name) + "." + path.substr(name) + mark + ".vexil-solve";
   }
 
   /// Another owner is what only a privileged process can keep; the mode comes last, since a change
@@ -156,6 +169,17 @@ String replaceFile(const String& path, std::string_view text, bool keepOld) {
   }
   flushFolder(path);
   return kept;
+}
+
+bool putFile(const String& path, std::string_view text, bool replace) {
+  const auto old = regularFile(path);
+  if (old && !replace) return false;
+  Draft draft(path, old, "." + std::to_string(getpid()));
+  draft.write(text);
+  if (!replace && !draft.linkTo(path)) return false;
+  if (replace) draft.renameTo(path);
+  flushFolder(path);
+  return true;
 }
 
 String setFileAside(const String& path) {

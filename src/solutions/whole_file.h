@@ -30,6 +30,11 @@ void checkReplaceable(const String& path);
 /// and so on if that is taken.
 String replaceFile(const String& path, std::string_view text, bool keepOld);
 
+/// Makes `text` the content of the file as `replaceFile` does, for callers that may not be alone:
+/// the draft is this process's own. Without `replace` a file that is there, or that another
+/// process makes meanwhile, stays, and the result is false.
+[[nodiscard]] bool putFile(const String& path, std::string_view text, bool replace);
+
 /// Takes the file away and leaves it under the name that is returned, as `replaceFile` does.
 String setFileAside(const String& path);
 

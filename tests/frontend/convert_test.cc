@@ -1,5 +1,8 @@
 // Vexil - exact integer optimization on lattices.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <fstream>
 
 #include "support/tool_run.h"
 
@@ -52,6 +55,27 @@ TEST(Convert, WritesTheWholeFileOrNothing) {
     const std::string start = head + message;
     EXPECT_EQ((status == 0 ? end.out : end.err).substr(0, start.size()), start);
     EXPECT_EQ(support::readFile(folder / "m.opt"), written) << message;
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 2);
+  }
+}
+
+/// A model that comes through a pipe leaves time to make the file that is to be written.
+TEST(Convert, KeepsWhatAnotherProcessMakesMeanwhile) {
+  for (const bool force : {false, true}) {
+    const support::TemporaryFolder folder;
+    ASSERT_EQ(mkfifo((folder / "m.lp").c_str(), 0600), 0);
+    support::ToolRun tool{.folder = folder.path(),
+                          .arguments = {"--decimals=1", "m.lp", "m.opt"},
+                          .program = VEXIL_CONVERT_TOOL};
+    if (force) tool.arguments.insert(tool.arguments.begin(), "--force");
+    support::Child child(tool);
+    std::ofstream pipe(folder / "m.lp");
+    support::writeFile(folder / "m.opt", "mine");
+    pipe << MODEL << std::flush;
+    pipe.close();
+    const auto end = child.finish(std::chrono::minutes(1));
+    EXPECT_EQ(end.err, force ? "" : "\n*** FAIL: m.opt: exists (--force replaces it)\n");
+    EXPECT_EQ(support::readFile(folder / "m.opt"), force ? OPT : "mine");
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 2);
   }
 }

@@ -89,6 +89,13 @@ TEST_F(ModelRun, NamesGoalsAndWhatHasNoName) {
             "t1 = 1:2/3\ntimber = 17 (wished: 40)\n\nx1 = 5\nb = 1.5\n");
 }
 
+TEST_F(ModelRun, RefusesAConstantThatIsNoNumber) {
+  support::writeFile(folder / "m.opt", "// x[1]: a\n// constant[1]:  7 b\n" + OPT);
+  const auto end = run({"m.opt"});
+  EXPECT_EQ(end.err, "\n*** FAIL: m.opt:2:18: expected a number, not 7 b\n");
+  EXPECT_EQ(end.out, "");
+}
+
 TEST_F(ModelRun, RefusesWrongWords) {
   EXPECT_EQ(run({"--names=2", "m.lp"}).err, "\n*** FAIL: --names=2: neither 0 nor 1\n");
   EXPECT_EQ(run({"--targets=2", "m.lp"}).err, "\n*** FAIL: --targets=2: neither 0 nor 1\n");
