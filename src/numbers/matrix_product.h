@@ -1,10 +1,10 @@
 // Vexil - exact integer optimization on lattices.
 #pragma once
 
-#include <optional>
 #include <vector>
 
 #include "foundation/matrix.h"
+#include "numbers/integer_row.h"
 #include "numbers/qq_vectors.h"
 
 namespace vexil {
@@ -23,17 +23,9 @@ class MatrixProduct {
   [[nodiscard]] Vector<T> operator()(const Vector<T>& x);
 
  private:
-  /// Whole numbers with their greatest magnitude.
-  struct Integers {
-    std::vector<long> values;
-    long bound = 0;
-  };
-
-  static std::optional<Integers> integersOf(const Vector<T>& x);
-  static bool sumFits(const Integers& a, const Integers& b);
-
   const Matrix<T>& A_;
-  std::vector<std::optional<Integers>> rows_;
+  std::vector<IntegerRow> rows_;
+  IntegerRow integers_;
 };
 
 extern template class MatrixProduct<dbl_t>;
