@@ -234,6 +234,10 @@ class Lattice : public Vexil<T> {
   /// You should set the check vectors!".
   int checkSolution(const Vector<T>& vector, bool isLatticeVector, std::int64_t time, bool replay);
 
+  /// `checkSolution` of row k of the basis, without its word. Most rows are seen to be of no use
+  /// without a copy of them.
+  void checkRow(std::int64_t k);
+
   /// Whether the last coordinate has the sign of the reference.
   [[nodiscard]] bool hasRightSign(const Vector<T>& vector, bool isLatticeVector) const;
 
@@ -351,8 +355,12 @@ class Lattice : public Vexil<T> {
   [[nodiscard]] static std::int64_t discoveryTime(std::int64_t time);
 
   // --- solutions/collections.tcc ---
-  template <typename Visitor>
-  void forEachViolation(const Vector<T>& x, std::int64_t first, Visitor visit) const;
+  [[nodiscard]] bool isOfNoUse(const Vector<T>& row) const;
+  [[nodiscard]] T violation(std::int64_t j, const T& x) const;
+  template <typename Coordinate, typename Visitor>
+  void forEachViolation(Coordinate x, Visitor visit) const;
+  template <typename Coordinate>
+  void measureViolations(Coordinate x, HeuristicVector<T, U>& result) const;
   [[nodiscard]] Vector<T> mappedPoint(const Vector<T>& vector) const;
   bool collectAt(const Vector<T>& vector, std::optional<std::int64_t> time, Collection& homogeneous,
                  Collection& inhomogeneous);

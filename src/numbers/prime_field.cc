@@ -41,8 +41,14 @@ std::optional<Residue> residue(const QQ& x) {
 }
 
 std::optional<Residue> residue(dbl_t x) {
+  constexpr auto MODULUS = static_cast<dbl_t>(PRIME);
+  if (std::fabs(x) < MODULUS) {
+    const auto word = static_cast<std::int64_t>(x);
+    if (static_cast<dbl_t>(word) != x) return std::nullopt;
+    return static_cast<Residue>(word < 0 ? word + static_cast<std::int64_t>(PRIME) : word);
+  }
   if (!std::isfinite(x) || std::trunc(x) != x) return std::nullopt;
-  const auto magnitude = std::fmod(std::fabs(x), static_cast<dbl_t>(PRIME));
+  const auto magnitude = std::fmod(std::fabs(x), MODULUS);
   return withSign(static_cast<Residue>(magnitude), x >= 0);
 }
 

@@ -4,6 +4,7 @@
 #include <tuple>
 
 #include "foundation/members.h"
+#include "numbers/integer_row.h"
 #include "numbers/qq_vectors.h"
 
 namespace vexil {
@@ -30,6 +31,12 @@ struct GramSchmidt {
   Array<short> rowState;       ///< a word of `RowBits` for each row
   bool keepDependent = false;  ///< `invalidateFrom` spares the words of dependent rows
 
+  /// So many leading coefficients of a row hold, whatever its word says, and the entry of `bstar`
+  /// too where that is the index of the row.
+  Array<long> held;
+  Vector<U> heldLength;  ///< squared length of the row at their computation, doubled with a change
+  Array<IntegerRow> integerRows;  ///< the rows of the basis that have been needed as such
+
   Matrix<U> Lfull;                 ///< lower triangular factor of the full decomposition
   Array<Matrix<U>> fullStages;     ///< products of the reflections of the full decomposition
   Matrix<U> Lreduced;              ///< lower triangular factor of the reduced decomposition
@@ -38,10 +45,10 @@ struct GramSchmidt {
 
   template <typename Self>
   static auto members(Self& self) {
-    auto& [mu, Q, bstar, rowNorm, rowState, keepDependent, Lfull, fullStages, Lreduced,
-           reducedStages, reducedNorms] = self;
-    return std::tie(mu, Q, bstar, rowNorm, rowState, keepDependent, Lfull, fullStages, Lreduced,
-                    reducedStages, reducedNorms);
+    auto& [mu, Q, bstar, rowNorm, rowState, keepDependent, held, heldLength, integerRows, Lfull,
+           fullStages, Lreduced, reducedStages, reducedNorms] = self;
+    return std::tie(mu, Q, bstar, rowNorm, rowState, keepDependent, held, heldLength, integerRows,
+                    Lfull, fullStages, Lreduced, reducedStages, reducedNorms);
   }
 
   /// Room for `rows` rows of `cols` coordinates.
@@ -57,13 +64,20 @@ struct GramSchmidt {
   /// rows from the second on stay.
   void invalidateFrom(std::int64_t i);
 
+  /// Follows an exchange of rows of the basis; the words go with their rows.
+  void swapRows(std::int64_t i, std::int64_t j);
+
+  /// Follows the row operation B[k] -= q B[j], j < k.
+  void subtractMultiple(std::int64_t k, const U& q, std::int64_t j);
+
   [[nodiscard]] bool isDependent(std::int64_t i) const { return rowState[i] == DEPENDENT; }
 
   // The three ways to the data of the rows `start` to `end` of B, 0 standing for the last row. Rows
   // whose data are valid are passed over; those before `start` must be valid. A row whose
   // orthogonal part has a squared length of at most 10^-9 depends on the rows before it.
 
-  /// The recurrence on scalar products of the rows [SE], row by row. False at the first dependent
+  /// The recurrence on scalar products of the rows [SE], row by row, where row operations have not
+  /// left the coefficients behind. False at the first dependent
   /// row, whose word becomes `DEPENDENT`; its data are filled in, the rows behind it are not looked
   /// at.
   bool updateGramSchmidt(const Matrix<T>& B, std::int64_t start, std::int64_t end);
@@ -84,7 +98,11 @@ struct GramSchmidt {
   void finishRow(std::int64_t i, short bits);
   [[nodiscard]] std::int64_t firstWithout(short bits, std::int64_t start, std::int64_t end) const;
   bool orthogonalizeRow(const Matrix<T>& B, std::int64_t i);
-  void projectRow(const Matrix<T>& B, std::int64_t i);
+  void projectRow(const Matrix<T>& B, std::int64_t i, std::int64_t first);
+  [[nodiscard]] bool isWhole(const Matrix<T>& B, std::int64_t i);
+  template <typename Number>
+  [[nodiscard]] Number scalarProduct(const Matrix<T>& B, std::int64_t i, std::int64_t j);
+  void dropHeld(std::int64_t i);
 };
 
 extern template struct GramSchmidt<dbl_t, dbl_t>;

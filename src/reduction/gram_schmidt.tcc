@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "foundation/row_block.h"
+#include "foundation/row_operation.h"
 #include "reduction/gram_schmidt.h"
 #include "reduction/lq.h"
 
@@ -14,10 +15,8 @@ void GramSchmidt<T, U>::resize(std::int64_t rows, std::int64_t cols) {
   std::int64_t i = rowState.MN;
   rowState.resize(rows, false);
   while (++i <= rows) rowState[i] = 0;
-  mu.setSize(rows, rows);
   Q.setSize(rows, cols);
-  bstar.resize(rows, false);
-  rowNorm.resize(rows, false);
+  fit(rows);
 }
 
 template <typename T, typename U>
@@ -31,6 +30,8 @@ void GramSchmidt<T, U>::clear() {
 template <typename T, typename U>
 void GramSchmidt<T, U>::clearRowState() {
   for (short& word : rowState.elements()) word = 0;
+  for (IntegerRow& row : integerRows.elements()) row.clear();
+  dropHeld(1);
 }
 
 template <typename T, typename U>
@@ -40,13 +41,48 @@ void GramSchmidt<T, U>::invalidateFrom(std::int64_t i) {
   }
 }
 
+template <typename T, typename U>
+void GramSchmidt<T, U>::swapRows(std::int64_t i, std::int64_t j) {
+  rowState.swap(i, j);
+  if (std::max(i, j) > held.MN) return;
+  mu.swapRows(i, j);
+  held.swap(i, j);
+  heldLength.swap(i, j);
+  std::swap(integerRows[i], integerRows[j]);
+  const std::int64_t before = std::min(i, j) - 1;
+  for (long& count : held.elements()) count = std::min(count, before);
+}
+
+/// Each change takes a digit of a floating row, and a great factor many of them.
+template <typename T, typename U>
+void GramSchmidt<T, U>::subtractMultiple(std::int64_t k, const U& q, std::int64_t j) {
+  constexpr dbl_t GREATEST_FACTOR = 1024;
+  integerRows[k].clear();
+  vexil::subtractMultiple(mu.rows[k].data, q, mu.rows[j].data, j);
+  if constexpr (std::is_floating_point_v<U>) {
+    heldLength.data[k] *= 2;
+    if (std::fabs(q) > GREATEST_FACTOR) held.data[k] = 0;
+  }
+}
+
+/// Nothing is held of the rows from i on.
+template <typename T, typename U>
+void GramSchmidt<T, U>::dropHeld(std::int64_t i) {
+  for (; i <= held.MN; ++i) held.data[i] = 0;
+}
+
 /// Room for the coefficients of all rows, which a new basis has taken away.
 template <typename T, typename U>
 void GramSchmidt<T, U>::fit(std::int64_t rows) {
-  if (mu.rowCount == rows && bstar.MN == rows) return;
+  if (mu.rowCount == rows && held.MN == rows) return;
   mu.setSize(rows, rows);
   bstar.resize(rows, false);
   rowNorm.resize(rows, false);
+  held.resize(rows, false);
+  heldLength.resize(rows, false);
+  integerRows.resize(rows, false);
+  for (IntegerRow& row : integerRows.elements()) row.clear();
+  dropHeld(1);
 }
 
 template <typename T, typename U>
@@ -73,6 +109,7 @@ std::int64_t GramSchmidt<T, U>::lqFullRows(const Matrix<T>& B, std::int64_t star
   start = firstWithout(VALID, start, end);
   if (start > end) return 0;
   fit(B.rowCount);
+  dropHeld(start);
   lq_full(B, Lfull, Q, fullStages, start, end);
   Q.setSize(std::min(n, B.rowCount), n);
   std::int64_t dependent = end > n ? n + 1 : 0;
@@ -104,6 +141,7 @@ std::int64_t GramSchmidt<T, U>::lqReducedRows(const Matrix<T>& B, std::int64_t s
   start = firstWithout(VALID, start, end);
   if (start > end) return 0;
   fit(B.rowCount);
+  dropHeld(start);
   std::int64_t dependent = lq_reduced(B, Lreduced, Q, reducedStages, reducedNorms, start, end);
   const std::int64_t last = dependent != 0 ? dependent - 1 : end;
   for (std::int64_t i = start; i <= last; ++i) {
@@ -133,35 +171,67 @@ bool GramSchmidt<T, U>::updateGramSchmidt(const Matrix<T>& B, std::int64_t start
   return true;
 }
 
-/// Row i of `mu` holds s[j], the product of b[i] with b*[j], until all of them are known.
+/// Takes row i as machine integers if that was not tried yet; whether they hold it.
+template <typename T, typename U>
+bool GramSchmidt<T, U>::isWhole(const Matrix<T>& B, std::int64_t i) {
+  IntegerRow& row = integerRows.data[i];
+  if (!row.isTaken()) row.take(B.rows[i]);
+  return !row.isEmpty();
+}
+
+/// B[i] B[j], in machine integers where they hold it.
+template <typename T, typename U>
+template <typename Number>
+Number GramSchmidt<T, U>::scalarProduct(const Matrix<T>& B, std::int64_t i, std::int64_t j) {
+  if (isWhole(B, i) && isWhole(B, j)) {
+    if (const auto product = integerRows.data[i] * integerRows.data[j]) return Number(*product);
+  }
+  return numberAs<Number>(B.rows[i] * B.rows[j]);
+}
+
+/// Row i of `mu` holds s[j], the product of b[i] with b*[j], until all of them are known. What is
+/// held of a floating row has lost its digits when the row has become much shorter.
 template <typename T, typename U>
 bool GramSchmidt<T, U>::orthogonalizeRow(const Matrix<T>& B, std::int64_t i) {
-  U* const s = mu.rows[i].data;
-  projectRow(B, i);
-  rowNorm.data[i] = B.rows[i] * B.rows[i];
-  U projected{};
-  for (std::int64_t j = 1; j < i; ++j) {
-    const U coefficient = s[j] / bstar.data[j];
-    NumberTraits<U>::addProduct(projected, coefficient, s[j]);
-    s[j] = coefficient;
+  constexpr dbl_t SHORTENING = 1 << 16;
+  long& known = held.data[i];
+  rowNorm.data[i] = scalarProduct<T>(B, i, i);
+  const auto length = numberAs<U>(rowNorm.data[i]);
+  if constexpr (std::is_floating_point_v<U>) {
+    if (length * SHORTENING < heldLength.data[i]) known = 0;
   }
-  bstar.data[i] = numberAs<U>(rowNorm.data[i]) - projected;
+  if (known == 0) heldLength.data[i] = length;
+  if (known < i) {
+    U* const s = mu.rows[i].data;
+    for (std::int64_t j = 1; j <= known; ++j) s[j] *= bstar.data[j];
+    projectRow(B, i, known + 1);
+    bstar.data[i] = length;
+    for (std::int64_t j = 1; j < i; ++j) {
+      const U negative = -s[j];
+      s[j] /= bstar.data[j];
+      NumberTraits<U>::addProduct(bstar.data[i], negative, s[j]);
+    }
+    known = i;
+  }
   const bool independent = bstar.data[i] > NumberTraits<U>::tolerance();
   finishRow(i, ORTHOGONALIZED);
   if (!independent) rowState[i] = DEPENDENT;
   return independent;
 }
 
-/// s[j] = b[j] b[i] - the sum over l < j of mu[j][l] s[l], for j < i.
+/// s[j] = b[j] b[i] - the sum over l < j of mu[j][l] s[l], for `first` <= j < i.
 template <typename T, typename U>
-void GramSchmidt<T, U>::projectRow(const Matrix<T>& B, std::int64_t i) {
+void GramSchmidt<T, U>::projectRow(const Matrix<T>& B, std::int64_t i, std::int64_t first) {
   U* const s = mu.rows[i].data;
-  const Vector<T>& row = B.rows[i];
-  std::int64_t j = 1;
+  std::int64_t j = first;
   if constexpr (std::is_floating_point_v<T> && std::is_same_v<T, U>) {
     for (; j + ROW_BLOCK <= i; j += ROW_BLOCK) {
+      if (isWhole(B, i)) {
+        for (std::int64_t k = j; k < j + ROW_BLOCK; ++k) s[k] = scalarProduct<U>(B, k, i);
+      } else {
+        multiplyRowBlock(B.rows + j, B.rows[i].data, B.columnCount, s + j);
+      }
       U earlier[ROW_BLOCK];
-      multiplyRowBlock(B.rows + j, row.data, row.MN, s + j);
       multiplyRowBlock(mu.rows + j, s, j - 1, earlier);
       for (std::int64_t k = 0; k < ROW_BLOCK; ++k) {
         const U* const coefficients = mu.rows[j + k].data;
@@ -176,7 +246,7 @@ void GramSchmidt<T, U>::projectRow(const Matrix<T>& B, std::int64_t i) {
     for (std::int64_t l = 1; l < j; ++l) {
       NumberTraits<U>::addProduct(earlier, coefficients[l], s[l]);
     }
-    s[j] = numberAs<U>(B.rows[j] * row) - earlier;
+    s[j] = scalarProduct<U>(B, j, i) - earlier;
   }
 }
 

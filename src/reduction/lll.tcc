@@ -7,6 +7,7 @@
 #include <ctime>
 #include <iostream>
 
+#include "foundation/row_operation.h"
 #include "foundation/trace.h"
 #include "lattice/lattice.h"
 #include "solutions/write_time.h"
@@ -26,21 +27,6 @@ template <typename U>
 const U& oneHalf() {
   static const U half = U(1) / U(2);
   return half;
-}
-
-/// to[i] -= q from[i] for the elements 1 to count. A factor of 1 or -1 takes no multiplication.
-template <typename U>
-void subtractMultiple(U* to, const U& q, const U* from, std::int64_t count) {
-  if (q == U(1)) {
-    for (std::int64_t i = 1; i <= count; ++i) to[i] -= from[i];
-  } else if (q == U(-1)) {
-    for (std::int64_t i = 1; i <= count; ++i) to[i] += from[i];
-  } else {
-    const U factor = -q;
-    for (std::int64_t i = 1; i <= count; ++i) {
-      NumberTraits<U>::addProduct(to[i], factor, from[i]);
-    }
-  }
 }
 
 /// Whether a - q b is longer than a in the sup-norm.
@@ -116,8 +102,8 @@ std::int64_t Lattice<T, U>::lll(std::int64_t start, std::int64_t m, std::int64_t
 template <typename T, typename U>
 bool Lattice<T, U>::reduceStep(std::int64_t k, std::int64_t kk, bool& blended) {
   gramSchmidt.keepDependent = k >= 2;
-  checkSolution(basis.B[k], true, 0, false);
-  if (sizeReduce(k, blended)) checkSolution(basis.B[k], true, 0, false);
+  checkRow(k);
+  if (sizeReduce(k, blended)) checkRow(k);
   std::int64_t r = 0;
   try {
     r = blend(k, kk);
@@ -143,7 +129,7 @@ bool Lattice<T, U>::sizeReduce(std::int64_t k, bool blended) {
     return false;
   }
   Vector<T>& row = basis.B[k];
-  U* const mu = gramSchmidt.mu[k].data;
+  const U* const mu = gramSchmidt.mu[k].data;
   Matrix<T>* const transformation = params.consistency ? &basis.transformation() : nullptr;
   bool changed = false;
   for (std::int64_t j = k - 1; j >= 1; --j) {
@@ -152,13 +138,11 @@ bool Lattice<T, U>::sizeReduce(std::int64_t k, bool blended) {
     NumberTraits<T>::guard(q, "q overflow");
     const Vector<T>& other = basis.B[j];
     if (blended && detail::growsInSupNorm(row, q, other)) continue;
-    const U factor = numberAs<U>(q);
-    detail::subtractMultiple(mu, factor, gramSchmidt.mu[j].data, j - 1);
-    mu[j] -= factor;
-    detail::subtractMultiple(row.data, q, other.data, row.MN);
+    gramSchmidt.subtractMultiple(k, numberAs<U>(q), j);
+    subtractMultiple(row.data, q, other.data, row.MN);
     if (transformation != nullptr) {
-      detail::subtractMultiple((*transformation)[k].data, q, (*transformation)[j].data,
-                               transformation->columnCount);
+      subtractMultiple((*transformation)[k].data, q, (*transformation)[j].data,
+                       transformation->columnCount);
     }
     changed = true;
   }
@@ -204,7 +188,7 @@ void Lattice<T, U>::swapRows(std::int64_t i, std::int64_t j, bool keepState) {
   if (i == j) return;
   basis.B.swapRows(i, j);
   if (params.consistency) basis.transformation().swapRows(i, j);
-  gramSchmidt.rowState.swap(i, j);
+  gramSchmidt.swapRows(i, j);
   if (keepState) return;
   gramSchmidt.invalidateFrom(std::min(i, j));
   secondBlock.clear();

@@ -44,12 +44,18 @@ int Lattice<T, U>::checkSolution(const Vector<T>& vector, bool isLatticeVector, 
   return word;
 }
 
+template <typename T, typename U>
+void Lattice<T, U>::checkRow(std::int64_t k) {
+  if (!isOfNoUse(basis.B[k])) checkSolution(basis.B[k], true, 0, false);
+}
+
 /// The candidate with the sign of the reference and out of the weighted form.
 template <typename T, typename U>
 Vector<T> Lattice<T, U>::normalised(const Vector<T>& vector, bool isLatticeVector) const {
   Vector<T> result = vector;
   if (!hasRightSign(result, isLatticeVector)) result.negate();
-  return isLatticeVector ? unweightedRow(result) : result;
+  if (isLatticeVector && (params.scale || params.translate)) return unweightedRow(result);
+  return result;
 }
 
 template <typename T, typename U>

@@ -22,7 +22,12 @@ dbl_t wholeMagnitude(const QQ& x) {
   return static_cast<dbl_t>(toWord(x.ganze));
 }
 
-dbl_t wholeMagnitude(dbl_t x) { return std::trunc(x) == x ? std::fabs(x) : INF_F; }
+dbl_t wholeMagnitude(dbl_t x) {
+  const dbl_t magnitude = std::fabs(x);
+  const bool isWhole = magnitude < MODULUS ? static_cast<dbl_t>(static_cast<std::int64_t>(x)) == x
+                                           : std::trunc(x) == x;
+  return isWhole ? magnitude : INF_F;
+}
 
 const QQ& exactNumber(const QQ& x) { return x; }
 

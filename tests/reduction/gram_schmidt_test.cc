@@ -72,6 +72,78 @@ TYPED_TEST(GramSchmidtData, AreTakenUpAtTheFirstInvalidRow) {
   }
 }
 
+/// What is held through row operations is what would be computed anew.
+TYPED_TEST(GramSchmidtData, FollowTheOperationsOnRows) {
+  using T = typename TypeParam::T;
+  using U = typename TypeParam::U;
+  std::mt19937 random(11);
+  const auto below = [&](std::int64_t n) { return static_cast<std::int64_t>(random()) % n; };
+  for (int round = 0; round < 2; ++round) {
+    auto B = matrix<T>(randomBasis(random, 6, 8));
+    auto data = this->fresh(B);
+    for (int step = 0; step < 200; ++step) {
+      ASSERT_TRUE(data.updateGramSchmidt(B, 1, 0));
+      const ExactGramSchmidt exact(B);
+      for (std::int64_t i = 1; i <= B.rowCount; ++i) {
+        EXPECT_EQ(data.rowNorm[i], B[i] * B[i]);
+        EXPECT_LT(this->difference(data.bstar[i], exact.bstar[i]), 1e-9);
+        for (std::int64_t j = 1; j <= B.rowCount; ++j) {
+          EXPECT_LT(this->difference(data.mu[i][j], exact.mu[i][j]), 1e-9) << step;
+        }
+      }
+      const std::int64_t k = 2 + below(B.rowCount - 1);
+      if (step % 3 == 0) {
+        const std::int64_t other = step % 2 == 0 ? k - 1 : 1 + below(k - 1);
+        B.swapRows(k, other);
+        data.swapRows(k, other);
+        EXPECT_LT(data.held[B.rowCount], other);
+      }
+      for (std::int64_t j = k - 1; j >= 1 && step % 3 != 0; --j) {
+        const U q = NumberTraits<U>::round(data.mu[k][j]);
+        B[k].subtractMultiple(numberAs<T>(q), B[j]);
+        data.subtractMultiple(k, q, j);
+      }
+      data.invalidateFrom(1);
+    }
+  }
+}
+
+/// A floating row is computed anew when operations have taken its digits.
+TYPED_TEST(GramSchmidtData, AreHeldWhileTheyHaveDigits) {
+  using U = typename TypeParam::U;
+  constexpr bool FLOATING = std::is_floating_point_v<U>;
+  auto B = matrix<typename TypeParam::T>("[ [7 3 0] [10 5 1] [1 1 1] ]");
+  auto data = this->fresh(B);
+  const auto isHeld = [&] {
+    data.updateGramSchmidt(B, 1, 0);
+    const U wrong = data.mu[2][1] + U(1);
+    data.mu[2][1] = wrong;
+    data.rowState[2] = 0;
+    data.updateGramSchmidt(B, 1, 0);
+    return data.mu[2][1] == wrong;
+  };
+  const auto change = [&](int q) {
+    data.subtractMultiple(2, U(q), 1);
+    data.subtractMultiple(2, U(-q), 1);
+  };
+  EXPECT_TRUE(isHeld());
+  change(1024);
+  EXPECT_TRUE(isHeld());
+  change(1025);
+  EXPECT_EQ(isHeld(), !FLOATING);
+  data.clearRowState();
+  data.updateGramSchmidt(B, 1, 0);
+  for (int i = 0; i < 8; ++i) change(1);
+  EXPECT_TRUE(isHeld());
+  change(1);
+  EXPECT_EQ(isHeld(), !FLOATING);
+  B[2].swap(1, 3);
+  data.clearRowState();
+  data.updateGramSchmidt(B, 1, 0);
+  EXPECT_EQ(data.rowNorm[2], B[2] * B[2]);
+  EXPECT_LT(this->difference(data.mu[2][1], QQ(22, 58)), 1e-9);
+}
+
 TYPED_TEST(GramSchmidtData, TellADependentRow) {
   using T = typename TypeParam::T;
   for (const auto& [basis, dependent] : {std::pair("[ [0 0] [1 0] ]", 1),

@@ -3,6 +3,7 @@
 
 #include <csignal>
 #include <functional>
+#include <random>
 
 #include "solutions/check_bits.h"
 #include "support/engine.h"
@@ -190,6 +191,55 @@ TYPED_TEST(Candidates, ThatFailAreMeasured) {
   EXPECT_EQ(measured(shortest.lattice, worse, true).substr(0, 9), "| 2 0 0 0");
   EXPECT_EQ(measured(shortest.lattice, worse, false).substr(0, 4), "1 3 ");
   EXPECT_EQ(shortest.lattice.computeDeviation(worse, false).targetNorm, typename TypeParam::U(6));
+}
+
+/// Rows are passed over at a glance only where the whole judgement would change nothing.
+TYPED_TEST(Candidates, OfTheBasisFareAsOthersDo) {
+  using T = typename TypeParam::T;
+  std::mt19937 random(3);
+  std::uniform_int_distribution<int> factor(-3, 3);
+  for (const std::string& opt :
+       {SHORTEST, std::string("[ ] [ ] [ [ 1 2 3 4 ] ] [ 12 ] [ [ 1 1 0 -1 ] ] [ -1 ] [ 2 ] "
+                              "[ 0 0 0 0 ] [ 0 0 0 0 ] [ 3 3 1 2 ]")}) {
+    for (const int settings : {0, 1, 2, 3, 4}) {
+      Engine<TypeParam> engine(opt);
+      auto& rows = engine.lattice;
+      rows.params.pair.current = settings > 0;
+      rows.params.sieve.current = settings == 2;
+      rows.params.scale.current = settings == 3;
+      rows.params.translate.current = settings == 4;
+      rows.setWeight(1, T(3));
+      rows.found.homogeneousVectors.setCapacity(3);
+      rows.found.inhomogeneousVectors.setCapacity(2);
+      auto whole = rows;
+      const Matrix<T> basis = rows.basis.B;
+      const auto state = [](auto& lattice, auto act) {
+        const auto hits = lattice.run.heuristicHits + lattice.run.targetHits + lattice.run.starHits;
+        act();
+        std::string text =
+            words(lattice.run.heuristicHits + lattice.run.targetHits + lattice.run.starHits - hits,
+                  lattice.found.bestHeuristic, lattice.found.bestTarget, lattice.found.stars.MN);
+        for (auto* const set :
+             {&lattice.found.homogeneousVectors, &lattice.found.inhomogeneousVectors}) {
+          for (auto* p = set->head; p != nullptr; p = p->next) text += joined(p->element);
+        }
+        return text;
+      };
+      for (int round = 0; round < 100; ++round) {
+        Vector<T> v;
+        v.resize(basis.columnCount, false);
+        v.fill(T{});
+        for (const auto& row : basis.elements()) v.subtractMultiple(T(factor(random) / 2), row);
+        rows.basis.B = basis;
+        rows.membership.clear();
+        EXPECT_TRUE(rows.isLatticeMember(rows.unweightedRow(v)));
+        rows.basis.B[1] = v;
+        EXPECT_EQ(state(rows, [&] { rows.checkRow(1); }),
+                  state(whole, [&] { whole.checkSolution(v, true, 0, false); }))
+            << settings << v;
+      }
+    }
+  }
 }
 
 TYPED_TEST(Candidates, SurviveABackupInEachForm) {
