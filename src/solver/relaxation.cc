@@ -284,6 +284,24 @@ bool Relaxation<Z>::offer(const std::vector<Z>& coordinates) {
   return state.offer(forms, formValues);
 }
 
+template <typename Z>
+Z Relaxation<Z>::rounded(std::size_t item) const {
+  const double value = dictionary.value(item);
+  if (!(value > toDouble(lower(item)))) return lower(item);
+  if (!(value < toDouble(upper(item)))) return upper(item);
+  return std::clamp(nearestInteger<Z>(value), lower(item), upper(item));
+}
+
+template <typename Z>
+bool Relaxation<Z>::offerSolution() {
+  std::vector<Z> point(forms.dimension);
+  for (std::size_t k = 0; k < forms.dimension; ++k) {
+    const std::size_t item = system.parameterItem[k];
+    point[k] = rounded(item) - system.offset[item];
+  }
+  return offer(point);
+}
+
 template class Relaxation<std::int64_t>;
 template class Relaxation<ZZ>;
 

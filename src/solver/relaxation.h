@@ -72,6 +72,12 @@ class Relaxation {
   /// under the cut. True if it was kept.
   bool offer(const std::vector<Z>& coordinates);
 
+  /// The value of an item in the last solution as an integer within its present bounds.
+  [[nodiscard]] Z rounded(std::size_t item) const;
+  /// Offers the point whose coordinates are those of the last solution, rounded. True if it was
+  /// kept.
+  bool offerSolution();
+
   /// Counted work so far.
   [[nodiscard]] std::int64_t work() const {
     return dictionary.work() + proofWork + propagation.work();

@@ -22,7 +22,7 @@ class Root {
   NodeState run() {
     minimizeObjective(relaxation);
     if (settle() == NodeState::Empty) return NodeState::Empty;
-    offerRounded();
+    relaxation.offerSolution();
     if (forms.ordered && narrowRanges() == NodeState::Empty) return NodeState::Empty;
     minimizeObjective(relaxation);
     return settle();
@@ -55,26 +55,10 @@ class Root {
       const LpEnd end = lp.solve(PIVOTS_OF_A_RANGE);
       const std::size_t row = end == LpEnd::Infeasible ? lp.failing() : item;
       if (lp.isBasic(row) && relaxation.conclude(row) == NodeState::Empty) return NodeState::Empty;
-      if (end == LpEnd::Optimal) offerRounded();
+      if (end == LpEnd::Optimal) relaxation.offerSolution();
       if (state.finished) return NodeState::Empty;
     }
     return NodeState::Open;
-  }
-
-  void offerRounded() {
-    std::vector<Z> point(forms.dimension);
-    const ItemSystem<Z>& items = relaxation.items();
-    for (std::size_t k = 0; k < forms.dimension; ++k) {
-      const std::size_t item = items.parameterItem[k];
-      const double value = relaxation.linearProgram().value(item);
-      const Z low = relaxation.lower(item);
-      const Z high = relaxation.upper(item);
-      point[k] = !(value > toDouble(low))    ? low
-                 : !(value < toDouble(high)) ? high
-                                             : std::clamp(nearestInteger<Z>(value), low, high);
-      point[k] = point[k] - items.offset[item];
-    }
-    relaxation.offer(point);
   }
 
   const FormSystem<Z>& forms;

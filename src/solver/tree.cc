@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "solver/dive.h"
+
 namespace vexil::solver {
 namespace {
 
@@ -21,8 +23,7 @@ Tree<Z>::Tree(const FormSystem<Z>& formSystem, Relaxation<Z>& rootRelaxation,
       relaxation(rootRelaxation),
       state(searchState),
       stop(stopToken),
-      pseudoCosts(rootRelaxation.items().count),
-      candidate(formSystem.dimension) {
+      pseudoCosts(rootRelaxation.items().count) {
   const ItemSystem<Z>& items = relaxation.items();
   if (forms.ordered) {
     candidates = items.parameterItem;
@@ -95,13 +96,33 @@ void Tree<Z>::processNode() {
     return;
   }
   if (!frames.empty() && frames.back().learns) learn(frames.back());
+  if (dives() && !dive()) {
+    close();
+    return;
+  }
   const std::size_t unfixed = lastUnfixed();
   if (unfixed == NONE) {
-    offerSolution();
+    relaxation.offerSolution();
     close();
     return;
   }
   branch();
+}
+
+template <typename Z>
+bool Tree<Z>::dives() const {
+  return !forms.ordered && relaxation.items().objective != NONE && nodeCount >= nextDive;
+}
+
+/// Dives from the present node. False: nothing is left of the node.
+template <typename Z>
+bool Tree<Z>::dive() {
+  nextDive = 4 * nodeCount;
+  for (const auto kind : {Dive<Z>::Kind::Nearest, Dive<Z>::Kind::Locks}) {
+    Dive<Z>(forms, candidates, relaxation, state, stop).run(kind);
+  }
+  return relaxation.followState() != NodeState::Empty &&
+         relaxation.examine(ROUNDS_OF_A_NODE) != NodeState::Empty;
 }
 
 template <typename Z>
@@ -115,12 +136,12 @@ void Tree<Z>::branch() {
   const std::size_t item = forms.ordered ? chooseOrdered() : chooseLearned();
   if (item != NONE) {
     const double value = relaxation.linearProgram().value(item);
-    Z below = rounded(item);
+    Z below = relaxation.rounded(item);
     if (toDouble(below) > value) below = below - Z(1);
     split(item, std::clamp(below, relaxation.lower(item), Z(relaxation.upper(item) - Z(1))));
     return;
   }
-  const bool lowered = offerSolution();
+  const bool lowered = relaxation.offerSolution();
   if (state.finished) return;
   // A better point lowers the cut, and the same node is looked at again.
   if (lowered && relaxation.items().objective != NONE &&
@@ -128,7 +149,7 @@ void Tree<Z>::branch() {
     return;
   }
   const std::size_t last = lastUnfixed();
-  splitAround(last, rounded(last));
+  splitAround(last, relaxation.rounded(last));
 }
 
 template <typename Z>
@@ -242,25 +263,6 @@ void Tree<Z>::splitAround(std::size_t item, const Z& middle) {
   frame.share = share / frame.count;
   frames.push_back(std::move(frame));
   descend();
-}
-
-/// The value of an item in the solution as an integer within its present range.
-template <typename Z>
-Z Tree<Z>::rounded(std::size_t item) const {
-  const double value = relaxation.linearProgram().value(item);
-  if (!(value > toDouble(relaxation.lower(item)))) return relaxation.lower(item);
-  if (!(value < toDouble(relaxation.upper(item)))) return relaxation.upper(item);
-  return std::clamp(nearestInteger<Z>(value), relaxation.lower(item), relaxation.upper(item));
-}
-
-template <typename Z>
-bool Tree<Z>::offerSolution() {
-  const ItemSystem<Z>& items = relaxation.items();
-  for (std::size_t k = 0; k < forms.dimension; ++k) {
-    const std::size_t item = items.parameterItem[k];
-    candidate[k] = rounded(item) - items.offset[item];
-  }
-  return relaxation.offer(candidate);
 }
 
 template class Tree<std::int64_t>;

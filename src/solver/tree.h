@@ -60,15 +60,15 @@ class Tree {
   void descend();
   bool enterNextChild();
   void learn(const Frame& frame);
+  [[nodiscard]] bool dives() const;
+  [[nodiscard]] bool dive();
   void branch();
   [[nodiscard]] std::size_t chooseOrdered() const;
   [[nodiscard]] std::size_t chooseLearned() const;
   [[nodiscard]] double pseudoCost(std::size_t item, int side) const;
   void split(std::size_t item, const Z& below);
   void splitAround(std::size_t item, const Z& middle);
-  bool offerSolution();
   [[nodiscard]] double fraction(std::size_t item) const;
-  [[nodiscard]] Z rounded(std::size_t item) const;
   [[nodiscard]] std::size_t lastUnfixed() const;
 
   const FormSystem<Z>& forms;
@@ -78,11 +78,11 @@ class Tree {
   std::vector<Frame> frames;
   std::vector<PseudoCost> pseudoCosts;  ///< by item
   std::vector<std::size_t> candidates;  ///< the items that are branched on
-  std::vector<Z> candidate;
   bool ended = false;
   double share = 1;
   double done = 0;
   std::int64_t nodeCount = 0;
+  std::int64_t nextDive = 1;  ///< number of the node that dives
 };
 
 extern template class Tree<std::int64_t>;

@@ -1,0 +1,122 @@
+// Vexil - exact integer optimization on lattices.
+#include "solver/dive.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace vexil::solver {
+namespace {
+
+constexpr double INTEGRAL = 1e-6;
+constexpr int MOST_TURNS = 6;
+
+}  // namespace
+
+template <typename Z>
+Dive<Z>::Dive(const FormSystem<Z>& formSystem, const std::vector<std::size_t>& variables,
+              Relaxation<Z>& nodeRelaxation, SearchState<Z>& searchState, StopToken& stopToken)
+    : forms(formSystem),
+      items(variables),
+      relaxation(nodeRelaxation),
+      state(searchState),
+      stop(stopToken) {
+  countLocks();
+}
+
+/// Of the coordinates; other variables have one lock in each direction.
+template <typename Z>
+void Dive<Z>::countLocks() {
+  const ItemSystem<Z>& system = relaxation.items();
+  for (std::vector<int>& side : locks) side.assign(system.count, 1);
+  for (std::size_t k = 0; k < system.coordinates; ++k) {
+    const std::size_t named = system.parameterItem[k];
+    for (std::vector<int>& side : locks) side[named] = 0;
+    for (std::size_t f = 0; f < system.forms; ++f) {
+      const int sign = f == named ? 0 : signOf(system.entry(f, k));
+      if (sign == 0) continue;
+      Wide<Z> least = widen(system.offset[f]);
+      Wide<Z> greatest = least;
+      for (std::size_t j = 0; j < system.coordinates; ++j) {
+        const std::size_t other = system.parameterItem[j];
+        const bool rising = signOf(system.entry(f, j)) > 0;
+        const Z low = relaxation.lower(other) - system.offset[other];
+        const Z high = relaxation.upper(other) - system.offset[other];
+        addProduct(least, system.entry(f, j), rising ? low : high);
+        addProduct(greatest, system.entry(f, j), rising ? high : low);
+      }
+      if (widen(relaxation.upper(f)) < greatest) ++locks[sign > 0 ? 1 : 0][named];
+      if (widen(relaxation.lower(f)) > least) ++locks[sign > 0 ? 0 : 1][named];
+    }
+  }
+}
+
+template <typename Z>
+void Dive<Z>::run(Kind kind) {
+  const std::size_t start = relaxation.mark();
+  int turns = 0;
+  bool isOpen = arrive();
+  while (isOpen && !state.finished) {
+    throwIfStopped(stop);
+    Step step = choose(kind);
+    if (step.item == NONE) break;
+    const std::size_t before = relaxation.mark();
+    isOpen = take(step) && arrive();
+    if (isOpen || ++turns > MOST_TURNS) continue;
+    relaxation.undo(before);
+    step.upward = !step.upward;
+    isOpen = take(step) && arrive();
+  }
+  relaxation.undo(start);
+}
+
+/// Rounds an item beyond its value.
+template <typename Z>
+bool Dive<Z>::take(const Step& step) {
+  const double value = relaxation.linearProgram().value(step.item);
+  const Z low = relaxation.lower(step.item);
+  const Z high = relaxation.upper(step.item);
+  Z below = std::clamp(nearestInteger<Z>(value), low, high);
+  if (toDouble(below) > value) below = below - Z(1);
+  return step.upward ? relaxation.raiseLower(step.item, below + Z(1))
+                     : relaxation.dropUpper(step.item, below);
+}
+
+/// True if the present bounds leave something, and the linear program is solved.
+template <typename Z>
+bool Dive<Z>::arrive() {
+  return relaxation.followState() != NodeState::Empty &&
+         relaxation.examine(1) != NodeState::Empty && relaxation.solved();
+}
+
+/// The next variable; nothing if all are integral, which is offered.
+template <typename Z>
+typename Dive<Z>::Step Dive<Z>::choose(Kind kind) const {
+  Step best;
+  double least = 0;
+  for (const std::size_t item : items) {
+    if (relaxation.isFixed(item)) continue;
+    const double value = relaxation.linearProgram().value(item);
+    const double nearest = std::rint(value);
+    const double distance = std::fabs(value - nearest);
+    if (distance <= INTEGRAL) continue;
+    bool upward = nearest > value;
+    double merit = distance;
+    if (kind == Kind::Locks) {
+      const int down = locks[0][item];
+      const int up = locks[1][item];
+      if (up != down) upward = up < down;
+      const double way = upward == (nearest > value) ? distance : 1 - distance;
+      merit = std::min(up, down) + way;
+    }
+    if (best.item != NONE && merit >= least) continue;
+    best = {item, upward};
+    least = merit;
+  }
+  if (best.item == NONE) relaxation.offerSolution();
+  return best;
+}
+
+template class Dive<std::int64_t>;
+template class Dive<ZZ>;
+
+}  // namespace vexil::solver
