@@ -230,6 +230,27 @@ NodeState Relaxation<Z>::examine(int rounds) {
   }
 }
 
+template <typename Z>
+std::optional<double> Relaxation<Z>::estimate(int pivots) {
+  if (!propagate()) return std::nullopt;
+  const LpEnd end = dictionary.solve(pivots);
+  const std::size_t objective = system.objective;
+  const double value = dictionary.value(objective);
+  const std::size_t row = end == LpEnd::Infeasible ? dictionary.failing() : objective;
+  const bool looksEmpty = end == LpEnd::Infeasible || value > dictionary.upper(objective);
+  if (looksEmpty && dictionary.isBasic(row) && conclude(row) == NodeState::Empty) {
+    return std::nullopt;
+  }
+  return value;
+}
+
+template <typename Z>
+bool Relaxation<Z>::resolve() {
+  const int limit = PIVOTS_PER_COLUMN * static_cast<int>(dictionary.columns()) + PIVOTS_AT_LEAST;
+  hasSolution = dictionary.solve(limit) == LpEnd::Optimal;
+  return hasSolution;
+}
+
 /// Moved: the solution does not belong to the present bounds any more.
 template <typename Z>
 NodeState Relaxation<Z>::drawConclusions() {

@@ -3,6 +3,7 @@
 
 #include <concepts>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "solver/dictionary.h"
@@ -58,6 +59,10 @@ class Relaxation {
   /// program, and the objective (reduced costs).
   [[nodiscard]] NodeState examine(int rounds);
   [[nodiscard]] bool solved() const { return hasSolution; }
+  /// The objective after a few pivots; nothing if the node is proved empty.
+  [[nodiscard]] std::optional<double> estimate(int pivots);
+  /// Goes back to a solution of the present bounds, which had one; false if that fails.
+  [[nodiscard]] bool resolve();
 
   /// Tries every row of the dictionary on the bounds of its items.
   [[nodiscard]] NodeState tighten();

@@ -13,6 +13,9 @@ constexpr double INTEGRAL = 1e-6;
 constexpr int ROUNDS_OF_A_NODE = 3;
 constexpr std::int64_t WORK_BETWEEN_STOPS = std::int64_t{1} << 22;
 constexpr double LEAST_GAIN = 1e-6;
+constexpr int RELIABLE = 4;
+constexpr int MOST_TRIED = 8;
+constexpr int PIVOTS_OF_A_TRIAL = 20;
 
 }  // namespace
 
@@ -130,15 +133,14 @@ void Tree<Z>::branch() {
   if (!relaxation.solved()) {
     const std::size_t item = lastUnfixed();
     const Z width = relaxation.upper(item) - relaxation.lower(item);
-    split(item, relaxation.lower(item) + floorDivide<Z>(width, Z(2)));
+    split({item, relaxation.linearProgram().value(item)},
+          relaxation.lower(item) + floorDivide<Z>(width, Z(2)));
     return;
   }
-  const std::size_t item = forms.ordered ? chooseOrdered() : chooseLearned();
-  if (item != NONE) {
-    const double value = relaxation.linearProgram().value(item);
-    Z below = relaxation.rounded(item);
-    if (toDouble(below) > value) below = below - Z(1);
-    split(item, std::clamp(below, relaxation.lower(item), Z(relaxation.upper(item) - Z(1))));
+  const Choice choice = forms.ordered ? chooseOrdered() : chooseLearned();
+  if (choice.isNarrowed) return;
+  if (choice.item != NONE) {
+    split(choice, floorOf(choice));
     return;
   }
   const bool lowered = relaxation.offerSolution();
@@ -168,12 +170,13 @@ double Tree<Z>::fraction(std::size_t item) const {
 }
 
 template <typename Z>
-std::size_t Tree<Z>::chooseOrdered() const {
+typename Tree<Z>::Choice Tree<Z>::chooseOrdered() const {
   for (std::size_t i = candidates.size(); i-- > 0;) {
     const std::size_t item = candidates[i];
-    if (!relaxation.isFixed(item) && fraction(item) > INTEGRAL) return item;
+    if (relaxation.isFixed(item) || fraction(item) <= INTEGRAL) continue;
+    return {item, relaxation.linearProgram().value(item)};
   }
-  return NONE;
+  return {};
 }
 
 template <typename Z>
@@ -190,25 +193,84 @@ double Tree<Z>::pseudoCost(std::size_t item, int side) const {
   return count == 0 ? 1 : sum / count;
 }
 
+/// What is known of the rise on both sides, as one number.
 template <typename Z>
-std::size_t Tree<Z>::chooseLearned() const {
-  std::size_t best = NONE;
-  double greatest = -1;
+double Tree<Z>::score(const Choice& choice) const {
+  const double below = choice.value - std::floor(choice.value);
+  const double gainBelow = std::max(LEAST_GAIN, pseudoCost(choice.item, 0) * below);
+  const double gainAbove = std::max(LEAST_GAIN, pseudoCost(choice.item, 1) * (1 - below));
+  return gainBelow * gainAbove;
+}
+
+/// The variable of the greatest score, the best of which are tried for a few pivots as long as
+/// little is known of them (reliability branching, Achterberg, Koch and Martin 2005).
+template <typename Z>
+typename Tree<Z>::Choice Tree<Z>::chooseLearned() {
+  std::vector<Choice> choices;
   for (std::size_t i = candidates.size(); i-- > 0;) {
     const std::size_t item = candidates[i];
     if (relaxation.isFixed(item) || fraction(item) <= INTEGRAL) continue;
-    const double value = relaxation.linearProgram().value(item);
-    double below = value - std::rint(value);
-    if (below < 0) below += 1;
-    const double gainBelow = std::max(LEAST_GAIN, pseudoCost(item, 0) * below);
-    const double gainAbove = std::max(LEAST_GAIN, pseudoCost(item, 1) * (1 - below));
-    const double score = gainBelow * gainAbove;
-    if (score > greatest) {
-      greatest = score;
-      best = item;
-    }
+    choices.push_back({item, relaxation.linearProgram().value(item)});
+    choices.back().score = score(choices.back());
   }
-  return best;
+  if (choices.empty()) return {};
+  const auto before = [](const Choice& x, const Choice& y) { return x.score > y.score; };
+  std::stable_sort(choices.begin(), choices.end(), before);
+  const std::size_t objective = relaxation.items().objective;
+  if (objective == NONE || choices.size() == 1) return choices.front();
+  const double value = relaxation.linearProgram().value(objective);
+  int tried = 0;
+  for (std::size_t i = 0; i < choices.size() && tried < MOST_TRIED; ++i) {
+    const PseudoCost& known = pseudoCosts[choices[i].item];
+    if (std::min(known.count[0], known.count[1]) >= RELIABLE) continue;
+    ++tried;
+    if (!tryChildren(choices[i], value)) {
+      Choice narrowed;
+      narrowed.isNarrowed = true;
+      return narrowed;
+    }
+    choices[i].score = score(choices[i]);
+  }
+  if (tried == 0) return choices.front();
+  if (!relaxation.resolve()) return choices.front();
+  return *std::min_element(choices.begin(), choices.end(), before);
+}
+
+/// Learns from a few pivots in both children. False: one of them is empty, and the node has been
+/// narrowed to the other.
+template <typename Z>
+bool Tree<Z>::tryChildren(const Choice& choice, double objective) {
+  const std::size_t item = choice.item;
+  const Z below = floorOf(choice);
+  const double distance = choice.value - std::floor(choice.value);
+  for (const int side : {0, 1}) {
+    const std::size_t mark = relaxation.mark();
+    const bool isOpen =
+        side == 0 ? relaxation.dropUpper(item, below) : relaxation.raiseLower(item, below + Z(1));
+    const std::optional<double> estimate =
+        isOpen ? relaxation.estimate(PIVOTS_OF_A_TRIAL) : std::nullopt;
+    relaxation.undo(mark);
+    if (!estimate) {
+      // If this fails too, the next look at the node will tell.
+      static_cast<void>(side == 0 ? relaxation.raiseLower(item, below + Z(1))
+                                  : relaxation.dropUpper(item, below));
+      return false;
+    }
+    PseudoCost& cost = pseudoCosts[item];
+    cost.sum[side] += std::max(0.0, *estimate - objective) / (side == 0 ? distance : 1 - distance);
+    ++cost.count[side];
+  }
+  return true;
+}
+
+/// The integer below the value of a choice, such that both sides are within the bounds.
+template <typename Z>
+Z Tree<Z>::floorOf(const Choice& choice) const {
+  const Z low = relaxation.lower(choice.item);
+  const Z high = relaxation.upper(choice.item) - Z(1);
+  if (!(choice.value > toDouble(low))) return low;
+  if (!(choice.value < toDouble(high))) return high;
+  return std::clamp(nearestInteger<Z>(std::floor(choice.value)), low, high);
 }
 
 /// The rise of the objective from the parent to this child.
@@ -224,12 +286,12 @@ void Tree<Z>::learn(const Frame& frame) {
   frames.back().learns = frame.next < frame.count;
 }
 
-/// Children with `item` up to `below` and above it, the nearer one first.
+/// Children with the item up to `below` and above it, the nearer one first.
 template <typename Z>
-void Tree<Z>::split(std::size_t item, const Z& below) {
+void Tree<Z>::split(const Choice& choice, const Z& below) {
   const ItemSystem<Z>& items = relaxation.items();
-  const double value = relaxation.linearProgram().value(item);
-  const double distance = std::clamp(value - toDouble(below), 0.0, 1.0);
+  const std::size_t item = choice.item;
+  const double distance = std::clamp(choice.value - toDouble(below), 0.0, 1.0);
   Frame frame{};
   frame.trail = relaxation.mark();
   frame.item = item;

@@ -49,6 +49,13 @@ class Tree {
     int count;
     Child children[3];
   };
+  /// An item that is to be split, and its fractional value.
+  struct Choice {
+    std::size_t item = NONE;
+    double value = 0;
+    double score = 0;
+    bool isNarrowed = false;  ///< nothing is to be split: bounds of the node have moved
+  };
   /// Mean rise of the objective per unit, below (0) and above (1).
   struct PseudoCost {
     double sum[2] = {0, 0};
@@ -63,10 +70,13 @@ class Tree {
   [[nodiscard]] bool dives() const;
   [[nodiscard]] bool dive();
   void branch();
-  [[nodiscard]] std::size_t chooseOrdered() const;
-  [[nodiscard]] std::size_t chooseLearned() const;
+  [[nodiscard]] Choice chooseOrdered() const;
+  [[nodiscard]] Choice chooseLearned();
+  [[nodiscard]] bool tryChildren(const Choice& choice, double objective);
+  [[nodiscard]] double score(const Choice& choice) const;
+  [[nodiscard]] Z floorOf(const Choice& choice) const;
   [[nodiscard]] double pseudoCost(std::size_t item, int side) const;
-  void split(std::size_t item, const Z& below);
+  void split(const Choice& choice, const Z& below);
   void splitAround(std::size_t item, const Z& middle);
   [[nodiscard]] double fraction(std::size_t item) const;
   [[nodiscard]] std::size_t lastUnfixed() const;
