@@ -187,7 +187,7 @@ bool CutFinder::aggregate(const std::vector<Multiple>& multiples, Equation& equa
   Int128 r = 0;
   for (const auto& [item, factor] : multiples) {
     if (factor == 0) continue;
-    const std::int64_t* row = &system.coefficient[item * D];
+    const std::int64_t* row = system.coefficient.data() + (item * D);
     for (std::size_t k = 0; k < D; ++k) sum[k] += Int128{factor} * row[k];
     r -= Int128{factor} * system.offset[item];
     const double value = dictionary.value(item);
@@ -302,7 +302,7 @@ void CutFinder::addRounded(const Equation& equation, std::int64_t divisor) {
     const Int128 sign = term.fromUpper ? -c : c;
     if (term.isSlack) {
       const std::size_t item = term.index;
-      const std::int64_t* row = &system.coefficient[item * D];
+      const std::int64_t* row = system.coefficient.data() + (item * D);
       for (std::size_t k = 0; k < D; ++k) a[k] += sign * row[k];
       bound += sign * ((term.fromUpper ? boxes.upper : boxes.lower)[item] - system.offset[item]);
     } else {
@@ -380,7 +380,7 @@ void lift(std::vector<Choice>& choices, std::size_t size, std::int64_t capacity)
 
 /// A lifted cover inequality of a row of 0/1 variables, from its upper side or its lower one.
 void CutFinder::cover(std::size_t item, bool upward) {
-  const std::int64_t* row = &system.coefficient[item * D];
+  const std::int64_t* row = system.coefficient.data() + (item * D);
   Int128 room = upward ? Int128{boxes.upper[item]} - system.offset[item]
                        : Int128{system.offset[item]} - boxes.lower[item];
   std::vector<Choice> choices;

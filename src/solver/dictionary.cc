@@ -92,8 +92,9 @@ template void Dictionary::append(const ItemSystem<ZZ>&);
 
 /// Writes the row of a new item by way of the items that determine the parameters.
 void Dictionary::expressItem(std::size_t item) {
-  double* a = &table[rowOf[item] * stride];
-  std::vector<double> rest(&original[item * D], &original[item * D] + D);
+  double* a = table.data() + (rowOf[item] * stride);
+  const double* const first = original.data() + (item * D);
+  std::vector<double> rest(first, first + D);
   double constant = originalConstant[item];
   for (std::size_t k = D; k-- > 0;) {
     const double factor = rest[k];
@@ -168,13 +169,13 @@ void Dictionary::initialize() {
     basicOf[row] = i;
     double* a = table.data() + (row * stride);
     std::fill(a, a + stride, 0.0);
-    std::copy_n(&original[i * D], D, a);
+    std::copy_n(original.data() + (i * D), D, a);
     double constant = originalConstant[i];
     // From the last parameter on: that of a goal is expressed by the item and coordinates.
     for (std::size_t k = D; k-- > 0;) {
       const double factor = a[k];
       if (factor == 0) continue;
-      const double* named = &original[itemOf[k] * D];
+      const double* named = original.data() + (itemOf[k] * D);
       for (std::size_t j = 0; j < k; ++j) a[j] -= factor * named[j];
       constant -= factor * originalConstant[itemOf[k]];
     }
@@ -263,7 +264,7 @@ void Dictionary::moveToBounds() {
 
 void Dictionary::recomputeValues() {
   for (std::size_t i = 0; i < R - D; ++i) {
-    const double* a = &table[i * stride];
+    const double* a = table.data() + (i * stride);
     double sum = constants[i];
     for (std::size_t j = 0; j < D; ++j) sum += a[j] * values[itemOf[j]];
     values[basicOf[i]] = sum;
@@ -378,7 +379,7 @@ void Dictionary::updateRow(double* target, double& constant, double& weight, std
 void Dictionary::pivot(std::size_t item, std::size_t column) {
   const std::size_t r = rowOf[item];
   const std::size_t entering = itemOf[column];
-  double* a = &table[r * stride];
+  double* a = table.data() + (r * stride);
   const double inverse = 1 / a[column];
   support.clear();
   for (std::size_t j = 0; j < D; ++j) {
@@ -392,7 +393,7 @@ void Dictionary::pivot(std::size_t item, std::size_t column) {
   constants[r] = costConstant;
   weights[r] = squaredNorm(a, stride);
   for (std::size_t i = 0; i < R - D; ++i) {
-    if (i != r) updateRow(&table[i * stride], constants[i], weights[i], column);
+    if (i != r) updateRow(table.data() + (i * stride), constants[i], weights[i], column);
   }
   double ignoredConstant = 0;
   double ignoredWeight = 0;

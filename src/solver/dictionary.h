@@ -60,7 +60,9 @@ class Dictionary {
   [[nodiscard]] double value(std::size_t item) const { return values[item]; }
   [[nodiscard]] bool isBasic(std::size_t item) const { return rowOf[item] != NONE; }
   /// The row of a basic item: D coefficients.
-  [[nodiscard]] const double* row(std::size_t item) const { return &table[rowOf[item] * stride]; }
+  [[nodiscard]] const double* row(std::size_t item) const {
+    return table.data() + (rowOf[item] * stride);
+  }
   [[nodiscard]] const double* costRow() const { return cost.data(); }
   [[nodiscard]] const std::vector<std::size_t>& columnItems() const { return itemOf; }
 

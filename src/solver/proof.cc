@@ -143,7 +143,7 @@ bool Prover<Z>::combine() {
   if (sumsFit) {
     std::fill(narrowResidues.begin(), narrowResidues.end(), Z(0));
     for (std::size_t i = 0; i < items.size(); ++i) {
-      const Z* row = &system.coefficient[items[i] * D];
+      const Z* row = system.coefficient.data() + (items[i] * D);
       const Z m = multipliers[i];
       for (std::size_t k = 0; k < D; ++k) narrowResidues[k] = narrowResidues[k] + m * row[k];
     }
@@ -151,7 +151,7 @@ bool Prover<Z>::combine() {
   } else {
     std::fill(wideResidues.begin(), wideResidues.end(), W(0));
     for (std::size_t i = 0; i < items.size(); ++i) {
-      const Z* row = &system.coefficient[items[i] * D];
+      const Z* row = system.coefficient.data() + (items[i] * D);
       for (std::size_t k = 0; k < D; ++k) addProduct(wideResidues[k], multipliers[i], row[k]);
     }
     for (std::size_t k = 0; k < D; ++k) addResidue(k, wideResidues[k]);

@@ -103,7 +103,7 @@ struct RowRange {
 template <typename Z>
 std::optional<RowRange> rowRange(const FormSystem<Z>& system, const Inverse& inverse, Index k) {
   const Index d = system.dimension;
-  const double* entries = &inverse.entries[k * d];
+  const double* entries = inverse.entries.data() + (k * d);
   RowRange range;
   range.scale = powerOfTwo(scaleOf(entries, d));
   const double scale = toDouble(range.scale);
