@@ -7,6 +7,7 @@
 
 #include "foundation/trace.h"
 #include "frontend/ylattice.h"
+#include "support/programs.h"
 
 namespace vexil {
 namespace {
@@ -58,6 +59,20 @@ TEST_F(Precision, StaysExtendedWhereANumberDoesNotFit) {
   EXPECT_EQ(joined(front.extended.program.solStars[1]), "[ 123456789012345678 ]");
   EXPECT_THROW(front.switchToStandard(), PrecisionException);
   EXPECT_TRUE(front.isExtended);
+}
+
+TEST_F(Precision, GeneratesInExtendedWhatOverflowsInStandard) {
+  front.standard.program.assign(
+      programOf<dbl_t>("[ ][ ][ [1 1] ][ 3 ][ ][ ][ ][ 0 0 ][ 0 0 ][ 99991 99989 ]"));
+  const auto generate = [](auto& lattice) {
+    lattice.prepare(false, false);
+    lattice.generate();
+    return joined(lattice.embedding.R, lattice.basis.B);
+  };
+  EXPECT_EQ(thrown([&] { generate(front.standard); }), "R overflow");
+  EXPECT_EQ(front.guarded(generate),
+            "9998000099[\n[ -199978 199982 0 ]\n[ -13329833557 -6665500051 1 ]\n]");
+  EXPECT_EQ(front.standard.embedding.R, 9998000099);
 }
 
 TEST_F(Precision, TracesTheSwitches) {

@@ -76,29 +76,26 @@ TEST_F(WriteFaults, MissingRights) {
   };
   const auto reaches = [this] { return tool.prepare(), access(VEXIL_TOOL, X_OK); };
   if (support::inChild(reaches).status != 0) GTEST_SKIP();
-  struct Case {
-    std::string before, forbidden;
-    fs::perms mode;
-    std::string after, out, err;
-  };
   const std::string twoStars = FAILING_STAR + "\n" + STAR;
-  const Case cases[] = {
-      {twoStars, "x.sol", WRITING, twoStars, REPORT, ""},
-      {STAR, "x.sol", READING | WRITING, STAR, "\n\n", ""},
-      {FAILING_STAR, ".", WRITING, "", "\n\n", ""},
-      {STAR, "x.opt", READING, STAR, "", "\n*** FAIL: Could not read opt file: x.opt\n"}};
+  // The sol file, what becomes forbidden, the sol file after the run, output and errors.
+  const std::tuple<std::string, const char*, fs::perms, std::string, std::string, const char*>
+      cases[] = {
+          {twoStars, "x.sol", WRITING, twoStars, REPORT, ""},
+          {STAR, "x.sol", READING | WRITING, STAR, "\n\n", ""},
+          {FAILING_STAR, ".", WRITING, "", "\n\n", ""},
+          {STAR, "x.opt", READING, STAR, "", "\n*** FAIL: Could not read opt file: x.opt\n"}};
   const auto allowAll = [this] {
     for (const char* const name : {".", "x.opt", "x.sol"}) {
       fs::permissions(folder / name, fs::perms::all);
     }
   };
-  for (const Case& c : cases) {
-    support::writeFile(sol, c.before);
+  for (const auto& [before, forbidden, mode, after, out, err] : cases) {
+    support::writeFile(sol, before);
     allowAll();
-    fs::permissions(folder / c.forbidden, c.mode, fs::perm_options::remove);
-    expectRun(c.out, c.err);
+    fs::permissions(folder / forbidden, mode, fs::perm_options::remove);
+    expectRun(out, err);
     allowAll();
-    EXPECT_EQ(support::readFile(sol), c.after);
+    EXPECT_EQ(support::readFile(sol), after);
   }
 }
 

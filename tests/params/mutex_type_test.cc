@@ -110,12 +110,8 @@ void endWithoutRoom(NamedSemaphore& /*cell*/) {
 
 // The ends run in forked children of a process with a living cell, whose name they must not take.
 TEST(MutexType, NoNameOutlivesTheProcess) {
-  struct Case {
-    void (*end)(NamedSemaphore& cell);
-    int status;
-    const char* text;
-  };
-  std::vector<Case> cases = {
+  using End = void (*)(NamedSemaphore & cell);
+  std::vector<std::tuple<End, int, const char*>> cases = {
       {[](auto&) { std::exit(0); }, 0, ""},
       {[](auto&) { fail("end"); }, 1, "\n*** FAIL: end\n"},
       {[](auto& cell) { sem_close(cell.semaphore); }, 1,
@@ -128,17 +124,16 @@ TEST(MutexType, NoNameOutlivesTheProcess) {
   const NamedSemaphore own;
   const auto process = static_cast<pid_t>(Name(own.name).process);  // in the children's names too
   const auto before = support::semaphoreNames(process).size();      // lattices hold some too
-  for (const Case& c : cases) {
-    support::Child child([&] {
+  for (const auto& [act, status, text] : cases) {
+    const auto end = support::inChild([&, act = act] {
       const SomeCells cells;
       NamedSemaphore cell;
       if (support::semaphoreNames(process).size() != before + 4) return 9;
-      return c.end(cell), 0;
+      return act(cell), 0;
     });
-    const auto end = child.finish(std::chrono::minutes(1));
-    EXPECT_EQ(end.status, c.status) << c.text;
-    EXPECT_EQ(end.err, c.text);
-    EXPECT_EQ(support::semaphoreNames(process).size(), before) << c.text;
+    EXPECT_EQ(end.status, status) << text;
+    EXPECT_EQ(end.err, text);
+    EXPECT_EQ(support::semaphoreNames(process).size(), before) << text;
   }
 }
 

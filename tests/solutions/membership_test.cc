@@ -58,23 +58,20 @@ TYPED_TEST(Members, AreTheIntegerCombinations) {
 }
 
 TEST(Members, OfBasesThatResistTheShortCut) {
-  struct Case {
-    const char *rows, *vector;
-    bool expected;
-  };
   // The prime of the short cut as a denominator and as a coordinate; rows without a common measure.
-  for (const Case& c : {Case{"[ [ 1/2305843009213693951 ] ]", "[ 3/2305843009213693951 ]", true},
-                        {"[ [ 1/2305843009213693951 ] ]", "[ 1/2 ]", false},
-                        {"[ [ 1 ] ]", "[ 2305843009213693951 ]", true},
-                        {"[ [ 2 ] ]", "[ 2305843009213693951 ]", false},
-                        {"[ [ 2 0 ] [ 0 3 ] ]", "[ 1 1 ]", false},
-                        {"[ [ 2 1 ] ]", "[ 1/2 1/4 ]", false},
-                        {"[ [ 2 ] [ 3 ] ]", "[ 1 ]", true},
-                        {"[ [ 1 2 ] ]", "[ 1 2 3 ]", false},
-                        {"[ ]", "[ ]", true}}) {
+  for (const auto& [rows, candidate, expected] :
+       {std::tuple("[ [ 1/2305843009213693951 ] ]", "[ 3/2305843009213693951 ]", true),
+        {"[ [ 1/2305843009213693951 ] ]", "[ 1/2 ]", false},
+        {"[ [ 1 ] ]", "[ 2305843009213693951 ]", true},
+        {"[ [ 2 ] ]", "[ 2305843009213693951 ]", false},
+        {"[ [ 2 0 ] [ 0 3 ] ]", "[ 1 1 ]", false},
+        {"[ [ 2 1 ] ]", "[ 1/2 1/4 ]", false},
+        {"[ [ 2 ] [ 3 ] ]", "[ 1 ]", true},
+        {"[ [ 1 2 ] ]", "[ 1 2 3 ]", false},
+        {"[ ]", "[ ]", true}}) {
     Membership<QQ> lattice;
-    lattice.build(matrix<QQ>(c.rows));
-    EXPECT_EQ(lattice.contains(vector<QQ>(c.vector)), c.expected) << c.rows << c.vector;
+    lattice.build(matrix<QQ>(rows));
+    EXPECT_EQ(lattice.contains(vector<QQ>(candidate)), expected) << rows << candidate;
   }
   Membership<dbl_t> lattice;
   EXPECT_FALSE(lattice.isBuilt());

@@ -8,8 +8,8 @@
 #include <limits>
 #include <random>
 
+#include "solver/dictionary.h"
 #include "solver/ranges.h"
-#include "solver/relaxation.h"
 
 namespace vexil::solver {
 namespace {
@@ -143,47 +143,6 @@ TYPED_TEST(Proof, NoMultipliersCutOffAPoint) {
     }
   }
   EXPECT_GT(contradictions + moves, 100);
-}
-
-/// Takes every point and lowers nothing.
-template <typename Z>
-struct Silent : SearchState<Z> {
-  bool offer(const FormSystem<Z>& /*system*/, const std::vector<Z>& /*values*/) override {
-    return true;
-  }
-};
-
-TYPED_TEST(Proof, AnExaminedNodeKeepsItsPointsAndUndoBringsBackItsBounds) {
-  using Z = TypeParam;
-  int empty = 0;
-  for (std::uint64_t seed = 1; seed <= 150; ++seed) {
-    Small<Z> small(seed);
-    const auto ranges = coordinateRanges(small.system);
-    ASSERT_TRUE(ranges.has_value());
-    ItemSystem<Z> items = itemSystem(small.system, *ranges);
-    Silent<Z> state;
-    Relaxation<Z> relaxation(small.system, items, state);
-    relaxation.linearProgram().setCost(items.objective, 1);
-    const NodeState found = relaxation.examine(3);
-    if (found == NodeState::Empty) {
-      ++empty;
-      EXPECT_TRUE(small.points.empty()) << seed;
-    } else {
-      for (const std::vector<int>& lambda : small.points) {
-        for (std::size_t i = 0; i < items.count; ++i) {
-          const Z value = small.item(items, i, lambda);
-          EXPECT_LE(relaxation.lower(i), value) << seed << ' ' << i;
-          EXPECT_GE(relaxation.upper(i), value) << seed << ' ' << i;
-        }
-      }
-    }
-    relaxation.undo(0);
-    for (std::size_t i = 0; i < items.count; ++i) {
-      EXPECT_EQ(relaxation.lower(i), items.lower[i]) << seed;
-      EXPECT_EQ(relaxation.upper(i), items.upper[i]) << seed;
-    }
-  }
-  EXPECT_GT(empty, 3);
 }
 
 /// The optimum of a linear program over a box and one row, known in closed form: the fractional
