@@ -63,49 +63,51 @@ Residue SparseColumns::product(std::size_t j, const std::vector<Residue>& x) con
 
 template <typename T>
 void Membership<T>::build(const Matrix<T>& rows) {
+  const auto isExact = [](const T& x) {
+    return std::is_same_v<T, QQ> || !std::isinf(wholeMagnitude(x));
+  };
   built_ = true;
-  isExact_ = takeExactly(rows);
-  isInverted_ = isExact_ && invert();
+  rows_ = rows;
+  exact_.reset();
+  isExact_ = true;
+  for (const Vector<T>& row : rows_.elements()) {
+    const auto numbers = row.elements();
+    isExact_ = isExact_ && std::all_of(numbers.begin(), numbers.end(), isExact);
+  }
+  isInverted_ = isExact_ && invert(rows_);
   if (isExact_ && !isInverted_) {
     makeIndependent();
-    isInverted_ = invert();
+    isInverted_ = invert(*exact_);
   }
 }
 
-/// Tells whether the rows can be had exactly.
 template <typename T>
-bool Membership<T>::takeExactly(const Matrix<T>& rows) {
-  exact_.clear();
-  if constexpr (std::is_same_v<T, QQ>) {
-    exact_ = rows;
-  } else {
-    for (const Vector<T>& row : rows.elements()) {
-      for (const T x : row.elements()) {
-        if (std::isinf(wholeMagnitude(x))) return rounded_ = rows, false;
-      }
-    }
-    for (const Vector<T>& row : rows.elements()) exact_.appendRow(exactVector(row));
+const Matrix<QQ>& Membership<T>::exactRows() {
+  if (!exact_) {
+    exact_.emplace();
+    for (const Vector<T>& row : rows_.elements()) exact_->appendRow(exactVector(row));
   }
-  return true;
+  return *exact_;
 }
 
 /// Finds independent columns and inverts them by the elimination of Gauss and Jordan, sparse
 /// columns first; false if there are fewer than rows.
 template <typename T>
-bool Membership<T>::invert() {
+template <typename S>
+bool Membership<T>::invert(const Matrix<S>& rows) {
   using prime_field::difference;
   using prime_field::inverse;
   using prime_field::product;
   using prime_field::residue;
-  const auto m = static_cast<std::size_t>(exact_.rowCount);
-  const auto n = static_cast<std::size_t>(exact_.columnCount);
+  const auto m = static_cast<std::size_t>(rows.rowCount);
+  const auto n = static_cast<std::size_t>(rows.columnCount);
   std::vector<std::vector<Residue>> work(m, std::vector<Residue>(n + m));
   std::vector<std::size_t> nonZeros(n);
   greatestColumn_ = 0;
   for (std::size_t j = 0; j < n; ++j) {
     dbl_t sum = 0;
     for (std::size_t i = 0; i < m; ++i) {
-      const QQ& x = exact_.rows[i + 1].data[j + 1];
+      const S& x = rows.rows[i + 1].data[j + 1];
       const auto value = residue(x);
       if (!value) return false;
       work[i][j] = *value;
@@ -160,12 +162,14 @@ bool Membership<T>::invert() {
 /// Rows that span the same lattice, in echelon form.
 template <typename T>
 void Membership<T>::makeIndependent() {
-  std::int64_t left = exact_.rowCount;
-  for (std::int64_t j = 1; j <= exact_.columnCount && left > 0; ++j) {
-    const std::int64_t pivot = euclidColumnStep<QQ>(exact_, left, j, nullptr);
-    if (pivot > 0) exact_.swapRows(pivot, left--);
+  Matrix<QQ> rows = exactRows();
+  std::int64_t left = rows.rowCount;
+  for (std::int64_t j = 1; j <= rows.columnCount && left > 0; ++j) {
+    const std::int64_t pivot = euclidColumnStep<QQ>(rows, left, j, nullptr);
+    if (pivot > 0) rows.swapRows(pivot, left--);
   }
-  for (; left > 0; --left) exact_.removeRow(left);
+  for (; left > 0; --left) rows.removeRow(left);
+  exact_ = std::move(rows);
 }
 
 template <typename T>
@@ -198,21 +202,21 @@ typename Membership<T>::Verdict Membership<T>::decideByResidues(const Vector<T>&
 }
 
 template <typename T>
-bool Membership<T>::solvesExactly(const Vector<T>& v) const {
+bool Membership<T>::solvesExactly(const Vector<T>& v) {
   const Vector<QQ> wanted = exactVector(v);
   Vector<QQ> x;
   for (const Residue coordinate : coordinates_) x.append(QQ(prime_field::leastInteger(coordinate)));
-  if (isInverted_ && (x * exact_).equalsExactly(wanted)) return true;
-  return solveRowCoordinates<QQ>(exact_, wanted, x, true);
+  if (isInverted_ && (x * exactRows()).equalsExactly(wanted)) return true;
+  return solveRowCoordinates<QQ>(exactRows(), wanted, x, true);
 }
 
 template <typename T>
 bool Membership<T>::contains(const Vector<T>& v) {
   if (!isExact_) {
     Vector<T> x;
-    return solveRowCoordinates<T>(rounded_, v, x, true);
+    return solveRowCoordinates<T>(rows_, v, x, true);
   }
-  if (v.MN != exact_.columnCount) return false;
+  if (v.MN != rows_.columnCount) return false;
   const Verdict verdict = decideByResidues(v);
   return verdict == Verdict::OPEN ? solvesExactly(v) : verdict == Verdict::YES;
 }

@@ -1,6 +1,7 @@
 // Vexil - exact integer optimization on lattices.
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "numbers/prime_field.h"
@@ -65,17 +66,18 @@ class Membership {
   using Residue = prime_field::Residue;
   enum class Verdict { NO, YES, OPEN };
 
-  bool takeExactly(const Matrix<T>& rows);
-  bool invert();
+  template <typename S>
+  bool invert(const Matrix<S>& rows);
+  const Matrix<QQ>& exactRows();
   void makeIndependent();
   Verdict decideByResidues(const Vector<T>& v);
-  [[nodiscard]] bool solvesExactly(const Vector<T>& v) const;
+  [[nodiscard]] bool solvesExactly(const Vector<T>& v);
 
   bool built_ = false;
-  bool isExact_ = false;             ///< `exact_` is the basis, else `rounded_`
+  bool isExact_ = false;             ///< all numbers of the basis are whole, or exact
   bool isInverted_ = false;          ///< there are as many independent columns as rows
-  Matrix<T> rounded_;                ///< rows that are not whole, in `dbl_t`
-  Matrix<QQ> exact_;                 ///< independent rows
+  Matrix<T> rows_;                   ///< the basis
+  std::optional<Matrix<QQ>> exact_;  ///< independent rows of it, once they are needed
   dbl_t greatestColumn_ = 0;         ///< greatest sum of magnitudes in a column; +inf for fractions
   std::vector<std::size_t> pivots_;  ///< the independent columns, from 0; as many as rows
   SparseColumns inverse_;            ///< column i: of the inverse of the independent columns
