@@ -183,5 +183,77 @@ BENCHMARK(relationBases)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);
 
+/// The way to a basis that a pass leaves as it is, in exact numbers.
+template <typename T, typename U>
+void exactRelations(benchmark::State& state) {
+  const auto start = relationLattice<T, U>(relationNumbers(state.range(0), 1));
+  for (auto _ : state) {
+    auto lattice = start;
+    state.SetIterationTime(seconds([&] { reduceWholly(lattice, checkedPass<Lattice<T, U>>); }));
+  }
+}
+BENCHMARK(exactRelations<QQ, dbl_t>)
+    ->Name("engine/lll/relations QQ, dbl_t")
+    ->Arg(10)
+    ->Arg(20)
+    ->Arg(40)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(exactRelations<QQ, QQ>)
+    ->Name("engine/lll/relations QQ, QQ")
+    ->Arg(10)
+    ->Arg(20)
+    ->Arg(40)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+
+/// m equations over n variables that are 0 or 1, with coefficients up to `greatest`; half of the
+/// sum of each row is its right-hand side.
+template <typename T>
+void setProgram(Vexil<T>& program, std::int64_t m, std::int64_t n, long greatest) {
+  std::mt19937_64 random(1);
+  std::uniform_int_distribution<long> number(1, greatest);
+  program.Ag.setSize(m, n);
+  program.bg.resize(m, false);
+  for (std::int64_t i = 1; i <= m; ++i) {
+    long sum = 0;
+    for (T& a : program.Ag[i].elements()) {
+      const long x = number(random);
+      sum += x;
+      a = T(x);
+    }
+    program.bg[i] = T(sum / 2);
+  }
+  for (auto* const vector : {&program.dx, &program.lx, &program.rx}) {
+    vector->resize(n, false);
+    vector->fill(T{});
+  }
+  program.rx.fill(T(1));
+  program.freedomDegrees.resize(n, false);
+  for (FreedomDegree& degree : program.freedomDegrees.elements()) degree = FreedomDegree::BOUNDED;
+}
+
+/// From a program to its generated lattice: equations, variables and the greatest coefficient are
+/// the arguments.
+template <typename T, typename U>
+void generateLattice(benchmark::State& state) {
+  for (auto _ : state) {
+    Lattice<T, U> lattice;
+    setProgram(lattice.program, state.range(0), state.range(1), state.range(2));
+    state.SetIterationTime(seconds([&] {
+      lattice.prepare(false, false);
+      lattice.generate();
+    }));
+  }
+}
+void programSizes(benchmark::internal::Benchmark* benchmark) {
+  benchmark->UseManualTime()->Unit(benchmark::kMillisecond);
+  for (const long n : {25L, 50L, 100L}) benchmark->Args({1, n, 99999});
+  for (const long m : {1L, 5L, 10L}) benchmark->Args({m, 60, 99});
+  benchmark->Args({4, 30, 99});
+}
+BENCHMARK(generateLattice<dbl_t, dbl_t>)->Name("engine/generate dbl_t, dbl_t")->Apply(programSizes);
+BENCHMARK(generateLattice<QQ, dbl_t>)->Name("engine/generate QQ, dbl_t")->Apply(programSizes);
+
 }  // namespace
 }  // namespace vexil
