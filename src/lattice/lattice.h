@@ -9,6 +9,7 @@
 #include "lattice/weighted_form.h"
 #include "params/extended_params.h"
 #include "params/mutex_vars.h"
+#include "program/elimination.h"
 #include "program/vexil.h"
 #include "reduction/consistency_state.h"
 #include "reduction/gram_schmidt.h"
@@ -355,18 +356,18 @@ class Lattice : public Vexil<T> {
   [[nodiscard]] static std::int64_t discoveryTime(std::int64_t time);
 
   // --- solutions/collections.tcc ---
-  [[nodiscard]] bool isOfNoUse(const Vector<T>& row) const;
+  [[nodiscard]] bool isOfNoUse(std::int64_t k);
   [[nodiscard]] T violation(std::int64_t j, const T& x) const;
-  template <typename Coordinate, typename Visitor>
-  void forEachViolation(Coordinate x, Visitor visit) const;
-  template <typename Coordinate>
-  void measureViolations(Coordinate x, HeuristicVector<T, U>& result) const;
+  template <typename Visitor>
+  void forEachViolation(const Vector<T>& x, Visitor visit) const;
+  void measureViolations(const Vector<T>& x, HeuristicVector<T, U>& result) const;
   [[nodiscard]] Vector<T> mappedPoint(const Vector<T>& vector) const;
   bool collectAt(const Vector<T>& vector, std::optional<std::int64_t> time, Collection& homogeneous,
                  Collection& inhomogeneous);
 
   // --- solutions/restart.tcc ---
-  bool toBackup(Vector<T>& vector, std::int8_t mode, std::int64_t cut) const;
+  bool toBackup(Vector<T>& vector, std::int8_t mode, std::int64_t cut,
+                std::optional<RowCoordinates<T>>& coordinates) const;
   void fromBackup(Vector<T>& vector, std::int8_t mode) const;
 };
 

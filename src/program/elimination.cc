@@ -3,6 +3,7 @@
 
 namespace vexil {
 
+template class RowCoordinates<dbl_t>;
 template void removeDependentRows(Matrix<dbl_t>&);
 template bool solveRowCoordinates(const Matrix<dbl_t>&, const Vector<dbl_t>&, Vector<dbl_t>&, bool);
 template void gaussLU(const Matrix<dbl_t>&, Matrix<dbl_t>&, Matrix<dbl_t>&, Array<long>&);
@@ -11,6 +12,7 @@ template int gaussSolve(const Matrix<dbl_t>&, const Matrix<dbl_t>&, const Array<
 template std::int64_t euclidColumnStep(Matrix<dbl_t>&, std::int64_t, std::int64_t, Matrix<dbl_t>*);
 template bool isUnimodular(const Matrix<dbl_t>&, dbl_t&);
 
+template class RowCoordinates<QQ>;
 template void removeDependentRows(Matrix<QQ>&);
 template bool solveRowCoordinates(const Matrix<QQ>&, const Vector<QQ>&, Vector<QQ>&, bool);
 template void gaussLU(const Matrix<QQ>&, Matrix<QQ>&, Matrix<QQ>&, Array<long>&);

@@ -20,8 +20,23 @@ namespace vexil {
 template <Number T>
 void removeDependentRows(Matrix<T>& M);
 
-/// Solves x G = row; true if there is a solution, with `integral` a whole one. The rows of G are
-/// meant to be independent. `x` holds nothing useful otherwise.
+/// Coordinates in the rows of a matrix, which are meant to be independent; it is decomposed once.
+template <Number T>
+class RowCoordinates {
+ public:
+  explicit RowCoordinates(const Matrix<T>& G);
+
+  /// Solves x G = row; true if there is a solution, with `integral` a whole one. `x` holds nothing
+  /// useful otherwise.
+  [[nodiscard]] bool solve(const Vector<T>& row, Vector<T>& x, bool integral) const;
+
+ private:
+  Matrix<T> Lo_;
+  Matrix<T> Up_;
+  Array<long> p_;
+};
+
+/// The same for one row.
 template <Number T>
 [[nodiscard]] bool solveRowCoordinates(const Matrix<T>& G, const Vector<T>& row, Vector<T>& x,
                                        bool integral);

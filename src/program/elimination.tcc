@@ -114,10 +114,17 @@ void removeDependentRows(Matrix<T>& M) {
 
 template <Number T>
 bool solveRowCoordinates(const Matrix<T>& G, const Vector<T>& row, Vector<T>& x, bool integral) {
-  Matrix<T> Lo, Up;
-  Array<long> p;
-  gaussLU(G.transposed(), Lo, Up, p);
-  return gaussSolve(Lo, Up, p, row, x, false, integral) == 1;
+  return RowCoordinates<T>(G).solve(row, x, integral);
+}
+
+template <Number T>
+RowCoordinates<T>::RowCoordinates(const Matrix<T>& G) {
+  gaussLU(G.transposed(), Lo_, Up_, p_);
+}
+
+template <Number T>
+bool RowCoordinates<T>::solve(const Vector<T>& row, Vector<T>& x, bool integral) const {
+  return gaussSolve(Lo_, Up_, p_, row, x, false, integral) == 1;
 }
 
 template <Number T>

@@ -33,11 +33,9 @@ void guardElements(const Matrix<T>& matrix, const char* text) {
 /// M with M B = W, or false where a row of W is no integer combination of the rows of B.
 template <typename T>
 bool solveTransformation(const Matrix<T>& B, const Matrix<T>& W, Matrix<T>& M) {
-  Matrix<T> Lo, Up;
-  Array<long> p;
-  gaussLU(B.transposed(), Lo, Up, p);
+  const RowCoordinates<T> coordinates(B);
   for (std::int64_t i = 1; i <= W.rowCount; ++i) {
-    if (gaussSolve(Lo, Up, p, W[i], M[i], false, true) != 1) return false;
+    if (!coordinates.solve(W[i], M[i], true)) return false;
   }
   return true;
 }

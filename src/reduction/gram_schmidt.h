@@ -70,6 +70,12 @@ struct GramSchmidt {
   /// Follows the row operation B[k] -= q B[j], j < k.
   void subtractMultiple(std::int64_t k, const U& q, std::int64_t j);
 
+  /// The squared length of row i of the basis.
+  [[nodiscard]] T squaredLength(const Matrix<T>& B, std::int64_t i) {
+    fit(B.rowCount);
+    return scalarProduct<T>(B, i, i);
+  }
+
   [[nodiscard]] bool isDependent(std::int64_t i) const { return rowState[i] == DEPENDENT; }
 
   // The three ways to the data of the rows `start` to `end` of B, 0 standing for the last row. Rows

@@ -205,12 +205,14 @@ bool GramSchmidt<T, U>::orthogonalizeRow(const Matrix<T>& B, std::int64_t i) {
     U* const s = mu.rows[i].data;
     for (std::int64_t j = 1; j <= known; ++j) s[j] *= bstar.data[j];
     projectRow(B, i, known + 1);
-    bstar.data[i] = length;
+    U projected{};
+    U before{};
     for (std::int64_t j = 1; j < i; ++j) {
-      const U negative = -s[j];
+      before = s[j];
       s[j] /= bstar.data[j];
-      NumberTraits<U>::addProduct(bstar.data[i], negative, s[j]);
+      NumberTraits<U>::addProduct(projected, before, s[j]);
     }
+    bstar.data[i] = length - projected;
     known = i;
   }
   const bool independent = bstar.data[i] > NumberTraits<U>::tolerance();

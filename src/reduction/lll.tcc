@@ -23,10 +23,12 @@ const U& lovaszFactor() {
   return delta;
 }
 
+/// Whether |x| <= 1/2.
 template <typename U>
-const U& oneHalf() {
+bool isAtMostHalf(const U& x) {
   static const U half = U(1) / U(2);
-  return half;
+  static const U minusHalf = -half;
+  return minusHalf <= x && x <= half;
 }
 
 /// Whether a - q b is longer than a in the sup-norm.
@@ -133,7 +135,7 @@ bool Lattice<T, U>::sizeReduce(std::int64_t k, bool blended) {
   Matrix<T>* const transformation = params.consistency ? &basis.transformation() : nullptr;
   bool changed = false;
   for (std::int64_t j = k - 1; j >= 1; --j) {
-    if (NumberTraits<U>::abs(mu[j]) <= detail::oneHalf<U>()) continue;
+    if (detail::isAtMostHalf(mu[j])) continue;
     const T q = numberAs<T>(NumberTraits<U>::round(mu[j]));
     NumberTraits<T>::guard(q, "q overflow");
     const Vector<T>& other = basis.B[j];

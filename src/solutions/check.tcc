@@ -46,7 +46,7 @@ int Lattice<T, U>::checkSolution(const Vector<T>& vector, bool isLatticeVector, 
 
 template <typename T, typename U>
 void Lattice<T, U>::checkRow(std::int64_t k) {
-  if (!isOfNoUse(basis.B[k])) checkSolution(basis.B[k], true, 0, false);
+  if (!isOfNoUse(k)) checkSolution(basis.B[k], true, 0, false);
 }
 
 /// The candidate with the sign of the reference and out of the weighted form.

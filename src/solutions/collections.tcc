@@ -11,47 +11,40 @@ namespace vexil {
 
 namespace detail {
 
-/// Whether v has exactly the coordinates x(j).
-template <typename T, typename Coordinate>
-bool equals(const Vector<T>& v, Coordinate x) {
-  for (std::int64_t j = 1; j <= v.MN; ++j) {
-    if (!(v.data[j] == x(j))) return false;
-  }
-  return true;
-}
-
-/// Whether a collection would stay as it is if the vector with the coordinates x(j) and the
-/// deviation of `candidate` were inserted: it holds the vector, or it is full of better ones.
-template <typename T, typename U, typename Coordinate>
+/// Whether a collection would stay as it is if the vector x with the deviation of `candidate` were
+/// inserted: it holds the vector, or it is full of better ones.
+template <typename T, typename U>
 bool refuses(const SortedSet<HeuristicVector<T, U>>& collection,
-             const HeuristicVector<T, U>& candidate, Coordinate x) {
+             const HeuristicVector<T, U>& candidate, const Vector<T>& x) {
   const auto* p = collection.head;
   for (; p != nullptr && !(p->element < candidate); p = p->next) {
-    if (p->element.euclidNorm == candidate.euclidNorm && equals(p->element, x)) return true;
+    if (p->element.euclidNorm == candidate.euclidNorm && p->element.equalsExactly(x)) return true;
   }
   return p != nullptr && p == collection.head && collection.count == collection.capacity;
 }
 
-/// The same for a homogeneous vector of this squared length, by which such vectors are ordered
+/// The same for the homogeneous vector -x of this squared length, by which such vectors are ordered
 /// first; the deviation of one that is held need not be computed again.
-template <typename T, typename U, typename Coordinate>
-bool refusesHomogeneous(const SortedSet<HeuristicVector<T, U>>& collection, const U& length,
-                        Coordinate x) {
+template <typename T, typename U>
+bool refusesNegative(const SortedSet<HeuristicVector<T, U>>& collection, const U& length,
+                     const Vector<T>& x) {
+  const auto areOpposite = [](const T& a, const T& b) { return a == -b; };
   const U& tolerance = NumberTraits<U>::tolerance();
-  const auto* firstAsLong = collection.head;
-  while (firstAsLong != nullptr && length + tolerance < firstAsLong->element.euclidNorm) {
-    firstAsLong = firstAsLong->next;
+  const auto* p = collection.head;
+  if (p != nullptr && p->element.euclidNorm + tolerance < length) {
+    return collection.count == collection.capacity;
   }
-  for (const auto* p = firstAsLong; p != nullptr; p = p->next) {
+  const auto isLonger = [&](const auto* node) {
+    return node == nullptr || length + tolerance < node->element.euclidNorm;
+  };
+  // What a reduction visits again is among the shortest.
+  for (p = collection.tail; !isLonger(p); p = p->prev) {
     const HeuristicVector<T, U>& v = p->element;
-    if (v.euclidNorm + tolerance < length) {
-      return p == collection.head && collection.count == collection.capacity;
-    }
-    if (v.euclidNorm != length || !equals(v, x)) continue;
-    for (const auto* q = firstAsLong; q != p; q = q->next) {
-      if (q->element < v) return false;
-    }
-    return true;
+    if (v.euclidNorm != length) continue;
+    if (!std::equal(v.data + 1, v.data + v.MN + 1, x.data + 1, areOpposite)) continue;
+    const auto* q = p->prev;
+    while (!isLonger(q) && !(q->element < v)) q = q->prev;
+    return isLonger(q);
   }
   return false;
 }
@@ -74,24 +67,23 @@ T Lattice<T, U>::violation(std::int64_t j, const T& x) const {
   return isZero(result) ? T{} : result;
 }
 
-/// visit(j, violation) for the coordinates x(j) behind the target, in the order of the list: the
-/// last one, the variables, the rows from behind.
+/// visit(j, violation) for the coordinates behind the target, in the order of the list: the last
+/// one, the variables, the rows from behind.
 template <typename T, typename U>
-template <typename Coordinate, typename Visitor>
-void Lattice<T, U>::forEachViolation(Coordinate x, Visitor visit) const {
+template <typename Visitor>
+void Lattice<T, U>::forEachViolation(const Vector<T>& x, Visitor visit) const {
   const std::int64_t last = basis.latDim;
   const std::int64_t variables = last - this->lx.MN;
-  const auto report = [&](std::int64_t j) { visit(j, violation(j, x(j))); };
+  const auto report = [&](std::int64_t j) { visit(j, violation(j, x.data[j])); };
   report(last);
   for (std::int64_t j = variables; j < last; ++j) report(j);
   for (std::int64_t j = variables - 1; j > this->tu; --j) report(j);
 }
 
-/// The kind and the violations of a vector with the coordinates x(j).
+/// The kind and the violations of a vector.
 template <typename T, typename U>
-template <typename Coordinate>
-void Lattice<T, U>::measureViolations(Coordinate x, HeuristicVector<T, U>& result) const {
-  result.kind = isZero<T>(x(basis.latDim)) ? 1 : 2;
+void Lattice<T, U>::measureViolations(const Vector<T>& x, HeuristicVector<T, U>& result) const {
+  result.kind = isZero(x[basis.latDim]) ? 1 : 2;
   result.violations = 0;
   result.sumViolation = result.maxViolation = U{};
   forEachViolation(x, [&](std::int64_t j, const T& value) {
@@ -116,7 +108,7 @@ SerializableArray<RightOrderPair<long, U>> Lattice<T, U>::violationList(
     list.resize(list.MN + 1, true);
     list[list.MN] = {static_cast<long>(j), numberAs<U>(violation)};
   };
-  forEachViolation([&](std::int64_t j) -> const T& { return x.data[j]; }, add);
+  forEachViolation(x, add);
   if (!withTargets && this->tu != 0) {
     const T t = program.combinedValue(program.At * mappedPoint(x));
     const T violation = std::max<T>(program.lrtu.left - t, t - program.lrtu.right);
@@ -142,7 +134,7 @@ HeuristicVector<T, U> Lattice<T, U>::computeDeviation(const Vector<T>& vector,
   HeuristicVector<T, U> result;
   Vector<T>& x = result;
   x = isLatticeVector ? normalised(vector, true) : vector;
-  measureViolations([&](std::int64_t j) -> const T& { return x.data[j]; }, result);
+  measureViolations(x, result);
   if (result.inBounds) {
     const Vector<T> point = mappedPoint(x);
     T slackNorm;
@@ -171,25 +163,35 @@ bool Lattice<T, U>::collectAt(const Vector<T>& vector, std::optional<std::int64_
   return (candidate.kind == 1 ? homogeneous : inhomogeneous).insert(candidate);
 }
 
-/// Whether it is plain that a row is out of bounds, does not come up to `bestHeuristic` and goes
+/// Whether it is plain that row k is out of bounds, does not come up to `bestHeuristic` and goes
 /// into no collection. False where it would take more to tell.
 template <typename T, typename U>
-bool Lattice<T, U>::isOfNoUse(const Vector<T>& row) const {
+bool Lattice<T, U>::isOfNoUse(std::int64_t k) {
   if (params.scale || params.translate) return false;
   if (embedding.checkMode == 0 || !membership.isBuilt()) return false;
-  const std::int64_t last = basis.latDim;
+  const Vector<T>& row = basis.B[k];
   const bool turned = !hasRightSign(row, true);
-  const auto x = [&](std::int64_t j) { return turned ? T(-row.data[j]) : row.data[j]; };
-  const T carried = x(last);
-  const bool isOutside = carried < embedding.l[last] || carried > embedding.r[last];
-  const T length = params.pair || params.sieve || !isOutside ? row * row : T{};
-  const bool isCollected = (params.pair || params.sieve) && !(length > embedding.maxNorm);
+  const T& last = row[basis.latDim];
+  const T& l = embedding.l[basis.latDim];
+  const T& r = embedding.r[basis.latDim];
+  const bool isOutside = turned ? -last < l || -last > r : last < l || last > r;
+  const bool collects = params.pair || params.sieve;
+  if (isOutside && !collects) return true;
+  const T length = gramSchmidt.squaredLength(basis.B, k);
+  const bool isCollected = collects && !(length > embedding.maxNorm);
   if (isOutside && !isCollected) return true;
-  if (isOutside && isZero(carried)) {
-    return detail::refusesHomogeneous(found.homogeneousVectors, numberAs<U>(length), x);
+  if (isOutside && turned && isZero(last)) {
+    return detail::refusesNegative(found.homogeneousVectors, numberAs<U>(length), row);
   }
   const HeuristicVector<T, U>& best = found.bestHeuristic;
-  if (!isOutside && (best.kind != 2 || isZero(carried))) return false;
+  if (isZero(last) || (!isOutside && best.kind != 2)) return false;
+
+  static Vector<T> negative;  // its storage is used again
+  if (turned) {
+    negative = row;
+    negative.negate();
+  }
+  const Vector<T>& x = turned ? negative : row;
   HeuristicVector<T, U> candidate;
   measureViolations(x, candidate);
   candidate.euclidNorm = numberAs<U>(length);

@@ -91,9 +91,11 @@ void Lattice<T, U>::regenerate() {
   writeLatFile();
 }
 
-/// Brings a vector into the form in which it is saved; false if it has none.
+/// Brings a vector into the form in which it is saved; false if it has none. The first vector to be
+/// saved by its coordinates decomposes the basis.
 template <typename T, typename U>
-bool Lattice<T, U>::toBackup(Vector<T>& vector, std::int8_t mode, std::int64_t cut) const {
+bool Lattice<T, U>::toBackup(Vector<T>& vector, std::int8_t mode, std::int64_t cut,
+                             std::optional<RowCoordinates<T>>& coordinates) const {
   const Vector<T> source = vector;
   switch (mode) {
     case BackupMode::AS_THEY_ARE:
@@ -106,7 +108,8 @@ bool Lattice<T, U>::toBackup(Vector<T>& vector, std::int8_t mode, std::int64_t c
       for (std::int64_t j = std::min(vector.MN, cut); j > 0; --j) vector.removeComponent(1);
       return true;
     case BackupMode::COORDINATES:
-      return solveRowCoordinates<T>(unweightedMatrix(basis.B), source, vector, true);
+      if (!coordinates) coordinates.emplace(unweightedMatrix(basis.B));
+      return coordinates->solve(source, vector, true);
     default:
       return lat2opt(source, vector, true, false) == 1;
   }
@@ -130,16 +133,17 @@ void Lattice<T, U>::backupState(std::int8_t mode, Array<Star<T>>& stars,
                                 Collection& inhomogeneous, std::int64_t cut) {
   for (const Star<T>& star : program.solStars.elements()) stars.append(star);
   program.solStars.clear();
+  std::optional<RowCoordinates<T>> coordinates;
   found.forEachVector([&](TimeVector<T>& source) {
     TimeVector<T> saved = source;
-    if (toBackup(saved, mode, cut)) vectors.append(saved);
+    if (toBackup(saved, mode, cut, coordinates)) vectors.append(saved);
     source.clear();
   });
   found.stars.clear();
   const auto save = [&](Collection& from, Collection& to) {
     for (auto* node = from.head; node != nullptr; node = node->next) {
       HeuristicVector<T, U> saved = node->element;
-      if (toBackup(saved, mode, cut)) to.append(saved);
+      if (toBackup(saved, mode, cut, coordinates)) to.append(saved);
     }
     from.clear();
   };

@@ -234,6 +234,7 @@ TYPED_TEST(Candidates, OfTheBasisFareAsOthersDo) {
         rows.membership.clear();
         EXPECT_TRUE(rows.isLatticeMember(rows.unweightedRow(v)));
         rows.basis.B[1] = v;
+        rows.gramSchmidt.clearRowState();
         EXPECT_EQ(state(rows, [&] { rows.checkRow(1); }),
                   state(whole, [&] { whole.checkSolution(v, true, 0, false); }))
             << settings << v;
