@@ -142,7 +142,22 @@ QQ OptHead::constant(std::int64_t i) const {
   return found == constants_.end() ? QQ() : found->second;
 }
 
+void checkComments(const String& path) {
+  const std::string text = readFileText(path).value_or("");
+  for (std::size_t at = text.find('/'); at < text.size(); at = text.find('/', at)) {
+    const bool block = text.compare(at, 2, "/*") == 0;
+    if (!block && text.compare(at, 2, "//") != 0) {
+      ++at;
+      continue;
+    }
+    at = text.find(block ? "*/" : "\n", at + 2);
+    if (at == std::string::npos) fail(path, ": the last comment has no end");
+    at += block ? 2 : 1;
+  }
+}
+
 NamedModel readOpt(const String& path) {
+  checkComments(path);
   Vexil<QQ> program;
   program.optFile = path;
   program.readOptFile();

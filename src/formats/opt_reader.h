@@ -34,6 +34,10 @@ class OptHead {
   bool namesVariables_ = false;
 };
 
+/// Fatal where the last comment of an opt file has no end, which readers of programs would await
+/// for ever: "path: the last comment has no end".
+void checkComments(const String& path);
+
 /// The model of an opt file with the names of its head; where it has none variables are called
 /// x1, x2, ..., targets t1, t2, ..., equations e1, e2, ..., inequations c1, c2, .... Fatal: what
 /// the reader of programs reports; "path: x[i]: " and what its decimal places or bounds have that

@@ -2,6 +2,7 @@
 #include "frontend/model_program.h"
 
 #include "formats/model_file.h"
+#include "formats/opt_reader.h"
 #include "frontend/usage_exception.h"
 #include "program/file_names.h"
 #include "solutions/whole_file.h"
@@ -32,6 +33,7 @@ Vexil<QQ> programOf(const String& file, const formats::ReadSettings& settings) {
   program.optFile = baseOfFileName(file) + ".opt";
   program.solFile = baseOfFileName(file) + ".sol";
   if (form && *form != formats::ModelForm::OPT) provideOptFile(program.optFile, file, settings);
+  formats::checkComments(program.optFile);
   try {
     program.readOptFile();
   } catch (const ReadException& fault) {

@@ -62,6 +62,10 @@ TEST_F(SolveTool, TouchesNothingBeforeItUnderstandsTheFiles) {
   writeFile(folder / "x.sol", broken);
   writeFile(folder / "x.opt", "[ -inf ] [ [ 1 1 ] ] [ ] [ ] [ ] [ ] [ ] [ 0 0 ]");
   EXPECT_EQ(solve({"x.sol"}).err, "\n*** FAIL: x.opt: Vector: bad stream\n");
+  for (const char* const text : {"[ -inf ] // /*\n [ [ 1 1 ] ] /* b //\n", "[ 1 /* / */ ] // c"}) {
+    writeFile(folder / "x.opt", text);
+    EXPECT_EQ(solve({"x.sol"}).err, "\n*** FAIL: x.opt: the last comment has no end\n");
+  }
   writeFile(folder / "x.opt", "[ -inf ] [ [ 1 1 ] ] [ ] [ ] [ ] [ ] [ ] " + BOX);
   EXPECT_EQ(solve({"x.sol"}).err, "\n*** FAIL: x.sol:1: field 5: not a number: abc\n");
   EXPECT_EQ(sol(), broken);
