@@ -105,8 +105,14 @@ class SystemBuilder {
  public:
   SystemBuilder(const Model& model, const LatticeBasis& basis)
       : model_(model), x0_(toIntegers(basis.x0)) {
-    for (const std::vector<ZZ>& row : basis.K) K_.push_back(toIntegers(row));
-    system_.dimension = K_.size();
+    uses_.resize(model.n);
+    for (const std::vector<ZZ>& row : basis.K) {
+      for (std::size_t i = 0; i < model.n; ++i) {
+        if (!vexil::isZero(row[i])) uses_[i].emplace_back(dimension_, row[i]);
+      }
+      ++dimension_;
+    }
+    system_.dimension = dimension_;
     system_.ordered = basis.ordered;
     system_.hasObjective = model.hasObjective;
     addObjective();
@@ -131,19 +137,24 @@ class SystemBuilder {
     const std::vector<Integer> c = toIntegers(model_.c);
     system_.objectiveOffset = Integer(model_.constant);
     if (!model_.hasObjective) {
-      system_.objective.resize(K_.size());
+      system_.objective.resize(dimension_);
       return;
     }
     for (std::size_t i = 0; i < model_.n; ++i) system_.objectiveOffset.addProduct(c[i], x0_[i]);
-    for (const std::vector<Integer>& row : K_) {
-      Integer& sum = system_.objective.emplace_back();
-      for (std::size_t i = 0; i < model_.n; ++i) sum.addProduct(c[i], row[i]);
+    system_.objective = inCoordinates(terms(model_.c));
+  }
+
+  /// The values of the terms on the rows of K.
+  [[nodiscard]] std::vector<Integer> inCoordinates(const std::vector<Term>& terms) const {
+    std::vector<Integer> values(dimension_);
+    for (const auto& [variable, a] : terms) {
+      for (const auto& [k, y] : uses_[variable]) values[k].addProduct(a, y);
     }
+    return values;
   }
 
   void add(const Form& form) {
-    std::vector<Integer> column;
-    for (const std::vector<Integer>& row : K_) column.push_back(form.linear(row));
+    std::vector<Integer> column = inCoordinates(form.terms);
     const Integer offset = form.value(x0_);
     const bool isConstant = std::all_of(column.begin(), column.end(),
                                         [](const Integer& entry) { return entry.isZero(); });
@@ -166,7 +177,7 @@ class SystemBuilder {
 
   void arrangeMatrix() {
     system_.count = columns_.size();
-    for (std::size_t k = 0; k < K_.size(); ++k) {
+    for (std::size_t k = 0; k < dimension_; ++k) {
       for (const std::vector<Integer>& column : columns_) system_.matrix.push_back(column[k]);
     }
   }
@@ -184,7 +195,9 @@ class SystemBuilder {
 
   const Model& model_;
   std::vector<Integer> x0_;
-  std::vector<std::vector<Integer>> K_;
+  std::size_t dimension_ = 0;
+  /// By variable the rows k of K where it is not 0, with its value there.
+  std::vector<std::vector<std::pair<std::size_t, Integer>>> uses_;
   std::vector<std::vector<Integer>> columns_;
   FormSystem<Integer> system_;
 };
@@ -222,6 +235,7 @@ void reduce(LatticeBasis& basis, const Model& model, int blockSize, bool deep, S
     point.push_back(form.value(x0) - middle(form));
   }
   for (const std::vector<ZZ>& row : basis.K) {
+    throwIfStopped(stop);
     const std::vector<Integer> X = toIntegers(row);
     std::vector<Integer>& values = lattice.rows.emplace_back();
     for (const Form& form : forms) values.push_back(form.linear(X));

@@ -13,6 +13,7 @@ constexpr double TOLERANCE_LEAST = 1e-7;
 constexpr double TOLERANCE_OF_WIDTH = 1e-11;
 constexpr int REFACTOR_INTERVAL = 120;
 constexpr std::size_t UNROLL = 4;
+constexpr std::int64_t WORK_BETWEEN_STOPS = 4'000'000;
 
 /// 1 + the sum of the squares, in four interleaved sums.
 double squaredNorm(const double* a, std::size_t stride) {
@@ -157,10 +158,14 @@ void Dictionary::remove(const std::vector<bool>& gone) {
 /// parameter p is the item less u; but the item delta - t is delta - t.
 void Dictionary::initialize() {
   std::fill(columnOf.begin(), columnOf.end(), NONE);
+  std::vector<bool> isPlain(D);  // the item is its parameter and a constant
   for (std::size_t k = 0; k < D; ++k) {
     itemOf[k] = parameterItem[k];
     columnOf[itemOf[k]] = k;
     rowOf[itemOf[k]] = NONE;
+    const auto named = original.begin() + static_cast<std::ptrdiff_t>(itemOf[k] * D);
+    const auto end = named + static_cast<std::ptrdiff_t>(k);
+    isPlain[k] = std::all_of(named, end, [](double a) { return a == 0; });
   }
   std::size_t row = 0;
   for (std::size_t i = 0; i < R; ++i) {
@@ -176,7 +181,7 @@ void Dictionary::initialize() {
       const double factor = a[k];
       if (factor == 0) continue;
       const double* named = original.data() + (itemOf[k] * D);
-      for (std::size_t j = 0; j < k; ++j) a[j] -= factor * named[j];
+      for (std::size_t j = 0; !isPlain[k] && j < k; ++j) a[j] -= factor * named[j];
       constant -= factor * originalConstant[itemOf[k]];
     }
     constants[row] = constant;
@@ -406,6 +411,9 @@ void Dictionary::pivot(std::size_t item, std::size_t column) {
   rowOf[item] = NONE;
   ++pivotsSinceRefactor;
   workDone += static_cast<std::int64_t>(R + D);
+  if (stop == nullptr || workDone < nextQuestion) return;
+  nextQuestion = workDone + WORK_BETWEEN_STOPS;
+  throwIfStopped(*stop);
 }
 
 LpEnd Dictionary::solve(int limit) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "solver/items.h"
+#include "solver/stop.h"
 
 namespace vexil::solver {
 
@@ -52,6 +53,9 @@ class Dictionary {
   void setCost(const std::vector<double>& weights);
   /// The item that no ratio test lets leave, such as the objective under its cut.
   void keepBasic(std::size_t item) { kept = item; }
+
+  /// From now on `token`, kept by reference, is asked while pivots go on; `Stopped` is thrown.
+  void heed(StopToken& token) { stop = &token; }
 
   /// Pivots until the end or `limit` pivots are done.
   [[nodiscard]] LpEnd solve(int limit);
@@ -128,6 +132,8 @@ class Dictionary {
   std::size_t failed = NONE;
   int pivotsSinceRefactor = 0;
   std::int64_t workDone = 0;
+  StopToken* stop = nullptr;
+  std::int64_t nextQuestion = 0;  ///< in work
 };
 
 }  // namespace vexil::solver

@@ -197,6 +197,7 @@ LatticeEnd LatticeSearch<Z>::run(bool mayNarrow) {
   if (!ranges) return LatticeEnd::Unusable;
   ItemSystem<Z> items = itemSystem(forms, *ranges);
   Relaxation<Z> relaxation(forms, items, *this);
+  relaxation.linearProgram().heed(*this);
   enter("root");
   const NodeState root = tightenRoot(forms, relaxation, *this, *this);
   rootWork = relaxation.work();

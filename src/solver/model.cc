@@ -46,7 +46,7 @@ struct ScaledRow {
 
 class Builder {
  public:
-  explicit Builder(const Vexil<QQ>& program) : program_(program) {}
+  Builder(const Vexil<QQ>& program, StopToken* stop) : program_(program), stop_(stop) {}
 
   Model build() {
     model_.n = static_cast<std::size_t>(program_.lx.MN);
@@ -71,6 +71,7 @@ class Builder {
   }
 
   void addRow(const Vector<QQ>& row, const QQ& left, const QQ& right) {
+    if (stop_ != nullptr) throwIfStopped(*stop_);
     ScaledRow scaled = wholeRow(row, 1);
     auto [lower, upper] = sides(left, right, scaled.factor);
     model_.rows.push_back({std::move(scaled.a), std::move(lower), std::move(upper)});
@@ -131,13 +132,16 @@ class Builder {
   }
 
   const Vexil<QQ>& program_;
+  StopToken* stop_;
   Model model_;
   std::vector<ZZ> units_;  ///< 10^decimals
 };
 
 }  // namespace
 
-Model makeModel(const Vexil<QQ>& program) { return Builder(program).build(); }
+Model makeModel(const Vexil<QQ>& program, StopToken* stop) {
+  return Builder(program, stop).build();
+}
 
 Vector<QQ> programPoint(const Model& model, const std::vector<ZZ>& X) {
   Vector<QQ> x;

@@ -11,6 +11,7 @@
 #include "numbers/qq.h"
 #include "numbers/zz.h"
 #include "program/vexil.h"
+#include "solver/stop.h"
 
 namespace vexil::solver {
 
@@ -69,8 +70,8 @@ struct Model {
 /// The model of a program that was read and validated, its sides rounded inward, which takes no
 /// point away; an empty range is left to `presolve` to notice. A row may be shorter than the
 /// program has variables; what it lacks is 0. Fatal: "dx[i] = ... is no number of decimal places"
-/// for one that is no whole number or above 10^6.
-[[nodiscard]] Model makeModel(const Vexil<QQ>& program);
+/// for one that is no whole number or above 10^6. Throws `Stopped` if `stop` says so.
+[[nodiscard]] Model makeModel(const Vexil<QQ>& program, StopToken* stop = nullptr);
 
 /// The point x of the program (from 1) for X.
 [[nodiscard]] Vector<QQ> programPoint(const Model& model, const std::vector<ZZ>& X);

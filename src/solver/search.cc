@@ -47,7 +47,7 @@ class Search : public StopToken {
   Outcome run(bool within) {
     if (incumbent.enough()) return answer(true);
     try {
-      model = makeModel(program);
+      model = makeModel(program, this);
       enter("presolve");
       if (const char* reason = presolve(model, *this)) return answer(proved(reason));
       boxed = hasArtificialSides(model);

@@ -44,6 +44,7 @@ class BoxProof {
     const Boxes<Z> boxes{items.lower, items.upper};
     Prover<Z> prover(items, boxes);
     Dictionary dictionary(items);
+    dictionary.heed(stop);
     for (std::size_t f = 0; f < forms.count; ++f) {
       if (forms.kind[f] != FormKind::Variable) continue;
       for (const bool isLower : {true, false}) {
