@@ -1,6 +1,7 @@
 // Vexil - exact integer optimization on lattices.
 #include "formats/opt_reader.h"
 
+#include "foundation/file_text.h"
 #include "numbers/strict_number.h"
 #include "program/vexil.h"
 

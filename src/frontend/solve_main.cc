@@ -1,6 +1,9 @@
 // Vexil - exact integer optimization on lattices.
 //
 // The entry point of the solver: vexil-solve [--key=value ...] <name>.opt|<name>.sol
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <iostream>
 
 #include "foundation/failure.h"
@@ -8,6 +11,14 @@
 #include "frontend/solve_run.h"
 
 namespace {
+
+/// Has no file that is opened later take the place of a standard stream that is closed. What is
+/// written there fails.
+void fillStandardStreams() {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(stream, F_GETFD) == -1) static_cast<void>(open("/dev/null", O_RDONLY));
+  }
+}
 
 int run(const std::vector<std::string>& words) {
   using Action = vexil::SolveOptions::Action;
@@ -25,6 +36,7 @@ int run(const std::vector<std::string>& words) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  fillStandardStreams();
   std::ios::sync_with_stdio(false);
   try {
     return run({argv + std::min(argc, 1), argv + argc});

@@ -2,6 +2,7 @@
 //
 // Whole runs of vexil-solve: command line, answers, files, and what the tool makes of them.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -55,6 +56,17 @@ TEST_F(SolveTool, ExplainsItself) {
   const auto help = solve({"--help"});
   EXPECT_TRUE(help.out.starts_with(usage)) << help.out;
   EXPECT_EQ(help.status, 0);
+}
+
+TEST_F(SolveTool, NoticesThatItsOutputIsClosed) {
+  writeFile(folder / "x.opt", "[ -inf ] [ [ 1 1 ] ] [ ] [ ] [ ] [ ] [ ] " + BOX);
+  const auto end = Child([&] {
+                     close(STDOUT_FILENO);
+                     const std::string file = folder / "x.opt";
+                     return execl(VEXIL_SOLVE_TOOL, "vexil-solve", file.c_str(), nullptr);
+                   }).finish(1min);
+  EXPECT_EQ(end.status, 1);
+  EXPECT_EQ(end.err, "\n*** standard output: not everything could be written\n");
 }
 
 TEST_F(SolveTool, TouchesNothingBeforeItUnderstandsTheFiles) {
