@@ -68,9 +68,9 @@ bool StrictSolReader::takeBar() {
 /// The characters up to a blank, a bar, a bracket or a comment; the next one if it is one of these.
 std::string_view StrictSolReader::takeWord() {
   const std::size_t start = at_;
-  std::size_t end = std::min(text_.find_first_of(WORD_ENDS, start), text_.size());
-  for (const char* const comment : {"/*", "//"}) end = std::min(end, text_.find(comment, start));
-  advance(std::max<std::size_t>(end - start, 1));
+  std::string_view word = text_.substr(start, text_.find_first_of(WORD_ENDS, start) - start);
+  for (const char* const comment : {"/*", "//"}) word = word.substr(0, word.find(comment));
+  advance(std::max<std::size_t>(word.size(), 1));
   itemEnd_ = line_;
   return text_.substr(start, at_ - start);
 }
