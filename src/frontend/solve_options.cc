@@ -240,8 +240,8 @@ String solveHelpText() {
          idle +
          "\n\nThe first line of the output is the answer:\n"
          "  optimal         the best target norm, proved\n"
-         "  feasible        no targets: as many points as wanted, or all of them\n"
-         "  infeasible      proved: there is no point\n"
+         "  feasible        no targets: as many points as wanted, all, or infinitely many\n"
+         "  infeasible      proved: there is no point, or none within tnorm and snorm\n"
          "  reached         as many stars within tnorm and snorm as wanted, or all of them\n"
          "  unbounded       the target norm falls for ever, proved\n"
          "  best so far     stopped before an answer, with the best point\n"
