@@ -58,6 +58,7 @@ int search(const Vexil<QQ>& program, const formats::OptHead& head, const SolveOp
   const solver::Settings settings = settingsOf(options, hasTargets);
   const bool everyPointCounts = !hasTargets || settings.targetLimit || settings.slackLimit;
   StarStore store(program, program.solFile, [&](const String& text) { screen.warnAbove(text); });
+  receiveStopSignals();  // until here nothing is lost where one ends the process
   SolveWatch watch(options, store, screen, start, everyPointCounts);
   solver::Outcome outcome;
   try {
@@ -85,7 +86,7 @@ int solveRun(const SolveOptions& options, const Solver& solve) {
   const std::string text = options.names ? readFileText(program.optFile).value_or("") : "";
   const formats::OptHead head(formats::SourceText(program.optFile, text));
   for (const String& key : options.idle) warn("--", key, " has no effect here");
-  receiveStopSignals();
+  outliveFailedWrites();
   return search(program, head, options, solve, start);
 }
 

@@ -37,6 +37,9 @@ void receiveStopSignals() {
   for (const int signal : STOP_SIGNALS) {
     if (!isIgnored(signal)) act(signal, onStopSignal);
   }
+}
+
+void outliveFailedWrites() {
   for (const int signal : {SIGPIPE, SIGXFSZ}) act(signal, SIG_IGN);
 }
 

@@ -4,9 +4,11 @@
 namespace vexil {
 
 /// From now on the first SIGINT, SIGTERM or SIGHUP is a request to stop, which `stopSignalled`
-/// tells; the second one ends the process at once. Those that were ignored stay so. Pipes that
-/// nobody reads and files that grow too large are errors of the write alone.
+/// tells; the second one ends the process at once. Those that were ignored stay so.
 void receiveStopSignals();
+
+/// From now on pipes that nobody reads and files that grow too large are errors of the write alone.
+void outliveFailedWrites();
 
 /// A request to stop has come.
 [[nodiscard]] bool stopSignalled();

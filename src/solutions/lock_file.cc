@@ -53,7 +53,9 @@ LockFile::LockFile(const String& path) : name_(path + ".lock") {
   refuse(name_, "cannot be written");
 }
 
-LockFile::~LockFile() { unlink(name_.c_str()); }
+LockFile::~LockFile() {
+  if (isStillThere()) unlink(name_.c_str());
+}
 
 void LockFile::openFile() {
   constexpr mode_t ANYBODY = 0666;
