@@ -2,11 +2,12 @@
 //
 // vexil_fuzz [--seconds N] [--seed S] [--runs N]
 //
-// Feeds changed opt and sol files to the tools and random programs to the engine, each in a process
-// of its own. Any end is right but a
-// crash, a hang, a report of a sanitizer, a file that is changed where it should not be and a star
-// of the engine that the tool does not let pass: then the input is kept in
-// fuzz-failure-<seed>/, and "--seed <seed> --runs 1" repeats it. Unless told, there are 10 seconds.
+// Feeds changed opt and sol files to the tools, changed texts to the readers of models, and random
+// programs to the engine, each in a process of its own. Any end is right but a crash, a hang, a
+// report of a sanitizer, a file that is changed where it should not be, a model that is not read
+// again as it was written and a star of the engine that the tool does not let pass: then the input
+// is kept in fuzz-failure-<seed>/, and "--seed <seed> --runs 1" repeats it. Unless told, there are
+// 10 seconds.
 #include <csignal>
 #include <iostream>
 #include <iterator>
@@ -15,6 +16,7 @@
 #include <sstream>
 
 #include "fuzz/engine_run.h"
+#include "fuzz/model_run.h"
 #include "fuzz/mutation.h"
 #include "support/random_program.h"
 #include "support/tool_run.h"
@@ -58,12 +60,19 @@ const Texts SOLVE_OPTIONS = {"--rtime=1",
 class Attempt {
  public:
   explicit Attempt(std::uint64_t seed) : seed_(seed), random_(seed) {
-    if (below(random_, 3) == 0) {
+    const std::size_t kind = below(random_, 4);
+    if (kind == 0) {
       engine_ = EngineRun{below(random_, 4), below(random_, 3) == 0, below(random_, 2) == 0,
                           static_cast<long>(below(random_, 3))};
       files_ = {{"x.opt", support::RandomProgram(random_()).optText()}, {engine_->name(), ""}};
       support::writeFile(folder_ / "x.opt", files_["x.opt"]);
       child_.emplace([this] { return (*engine_)((folder_ / "x.sol").string()); });
+      return;
+    }
+    if (kind == 1) {
+      model_.emplace(random_);
+      files_ = {{model_->name, model_->text}};
+      child_.emplace([this] { return (*model_)(); });
       return;
     }
     // One of the two stays valid more often than not, so that runs get far.
@@ -86,8 +95,11 @@ class Attempt {
   /// Waits for the end; true if it was a right one.
   bool finish(std::map<std::string, int>& ends) {
     const auto end = child_->finish(std::chrono::seconds(10));
-    const std::string fault = engine_ ? faultOfEngine(end) : faultOf(end);
+    const std::string fault = engine_  ? faultOfEngine(end)
+                              : model_ ? ModelRun::fault(end)
+                                       : faultOf(end);
     ++ends[engine_           ? "engine runs"
+           : model_          ? end.status == 0 ? "models" : "refused models"
            : end.signal != 0 ? "exceptions"
            : end.status != 0 ? "failures"
                              : "full runs"];
@@ -154,6 +166,7 @@ class Attempt {
   support::TemporaryFolder folder_;
   std::map<std::string, std::string> files_;
   std::optional<EngineRun> engine_;
+  std::optional<ModelRun> model_;
   std::optional<support::Child> child_;
 };
 
