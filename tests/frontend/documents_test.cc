@@ -1,8 +1,9 @@
 // Vexil - exact integer optimization on lattices.
 //
 // What the documents show is what the programs do: the blocks of a page are run in the order of the
-// page. Behind "opt" stand "answer", "best" and "kept", the beginnings of what vexil-solve prints,
-// of its report and of the sol file; behind "sol" stand "after" and "report" of the tool.
+// page. Behind "opt", "lp" or "names" stand "answer", "best" and "kept", the beginnings of what
+// vexil-solve prints, of its report and of the sol file; behind "sol" stand "after" and "report" of
+// the tool.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -38,11 +39,14 @@ TEST_P(Documents, ShowWhatTheToolDoes) {
   const TemporaryFolder folder;
   ChildEnd end;
   ChildEnd solved;
+  std::string model;
   int checked = 0;
   for (const auto& [kind, text] : blocksOf(*page)) {
-    if (kind == "opt") writeFile(folder / "x.opt", text);
+    if (kind == "opt") writeFile(folder / (model = "x.opt"), text);
+    if (kind == "lp") writeFile(folder / (model = "lp.lp"), text);
+    if (kind == "names") writeFile(folder / (model = "names.opt"), text);
     if (kind == "answer") {
-      solved = run({.folder = folder.path(), .arguments = {"x.opt"}, .program = VEXIL_SOLVE_TOOL});
+      solved = run({.folder = folder.path(), .arguments = {model}, .program = VEXIL_SOLVE_TOOL});
       EXPECT_TRUE(solved.out.starts_with(text)) << solved.out << solved.err;
     }
     if (kind == "best") {
