@@ -31,11 +31,12 @@ NamedModel readModel(const String& path, const ReadSettings& settings) {
 
 std::string modelText(NamedModel model, ModelForm form, const ReadSettings& settings,
                       const String& path) {
+  if (model.variables.empty()) fail(path, ": the model has no variables");
   if (form == ModelForm::LP) return lpText(model);
   if (form == ModelForm::MPS) return mpsText(model);
   makeDiscrete(model, settings.decimals, path);
   checkDenseSize(model, path);
-  return optText(model, path);
+  return optText(model);
 }
 
 }  // namespace vexil::formats

@@ -17,8 +17,9 @@ enum class ModelForm { OPT, LP, MPS };
 /// .lp or .mps", "Could not read model file: " and what the readers report.
 [[nodiscard]] NamedModel readModel(const String& path, const ReadSettings& settings);
 
-/// The text of a file of that form; an opt file, whose variables have to be integer or get decimal
-/// places, is named by `path` in messages.
+/// The text of a file of that form; the variables of an opt file have to be integer or get decimal
+/// places. Fatal: "path: the model has no variables" and what `makeDiscrete` and `checkDenseSize`
+/// report, with the `path` of the model's own file.
 [[nodiscard]] std::string modelText(NamedModel model, ModelForm form, const ReadSettings& settings,
                                     const String& path);
 

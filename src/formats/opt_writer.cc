@@ -174,9 +174,6 @@ void checkDenseSize(const NamedModel& model, std::string_view path) {
        " GB as dense matrices, and there are ", available / GIGABYTE, " GB of memory");
 }
 
-std::string optText(const NamedModel& model, std::string_view path) {
-  if (model.variables.empty()) fail(path, ": the model has no variables");
-  return OptText(model).make();
-}
+std::string optText(const NamedModel& model) { return OptText(model).make(); }
 
 }  // namespace vexil::formats

@@ -24,7 +24,7 @@ void checkDenseSize(const NamedModel& model, std::string_view path);
 ///   // x[3]: NAME              // constant[1]: NUMBER     // inequation[2]: NAME
 ///
 /// Rows with equal sides are the equations. A program with neither targets nor rows gets the row
-/// 0 <= 0 x, from which its dimension is read. Fatal: "path: the model has no variables".
-[[nodiscard]] std::string optText(const NamedModel& model, std::string_view path);
+/// 0 <= 0 x, from which its dimension is read; there is a variable.
+[[nodiscard]] std::string optText(const NamedModel& model);
 
 }  // namespace vexil::formats

@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "formats/lp_reader.h"
+#include "formats/model_file.h"
 #include "formats/mps_reader.h"
 #include "formats/opt_writer.h"
 #include "formats/remarks.h"
@@ -21,7 +22,7 @@ ChildEnd read(const std::string& path, const std::string& text, const ReadSettin
            NamedModel model = path == "m.lp" ? readLp(source) : readMps(source, settings);
            applyRemarks(model, path);
            makeDiscrete(model, settings.decimals, path);
-           std::cout << optText(model, path) << std::flush;
+           std::cout << optText(model) << std::flush;
            return 0;
          })
       .finish(std::chrono::minutes(1));
@@ -258,10 +259,12 @@ TEST(Discreteness, IsAskedForOrGiven) {
                   .ends_with("[ 1 ] [ inf ] [ 2 0 ] [ 0 0 ] [ inf inf ] "));
 }
 
-TEST(OptText, RefusesWhatNoMemoryHolds) {
+TEST(ModelText, RefusesNothingAndWhatNoMemoryHolds) {
   NamedModel model;
-  EXPECT_EXIT(static_cast<void>(optText(model, "m")), testing::ExitedWithCode(1),
-              "m: the model has no variables");
+  for (const auto form : {ModelForm::LP, ModelForm::OPT}) {
+    EXPECT_EXIT(static_cast<void>(modelText(model, form, {}, "m")), testing::ExitedWithCode(1),
+                "m: the model has no variables");
+  }
   model.variables.resize(200'000);
   model.rows.resize(200'000);
   EXPECT_EXIT(checkDenseSize(model, "m"), testing::ExitedWithCode(1),
