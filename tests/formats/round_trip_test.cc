@@ -5,6 +5,7 @@
 
 #include "formats/model_file.h"
 #include "program/vexil.h"
+#include "support/random_program.h"
 #include "support/tool_run.h"
 
 namespace vexil::formats {
@@ -12,69 +13,21 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-/// Small programs of all kinds, as opt files.
-class RandomProgram {
- public:
-  explicit RandomProgram(std::uint32_t seed) : random_(seed) {}
-
-  std::string text() {
-    static const Texts odd = {"a b", "free", "x2", "3rd", "e12", "end", "$", "x1", "a-b", ""};
-    const int n = 1 + below(3);
-    const int targets = below(4);
-    std::string names = below(2) == 0 ? "// model: two words\n" : "";
-    std::string wishes;
-    for (int i = 1; i <= targets; ++i) {
-      wishes += below(3) == 0 ? number() : pick({"-inf ", "inf "});
-      if (below(3) == 0) names += joined("// constant[", i, "]: ", number(), '\n');
-      if (below(4) == 0) names += joined("// target[", i, "]: ", pick(odd), '\n');
+/// A small program of any kind with odd names and constants, as an opt file.
+std::string programText(std::uint32_t seed) {
+  static const Texts odd = {"a b", "free", "x2", "3rd", "e12", "end", "$", "x1", "a-b", ""};
+  std::mt19937 random(seed);
+  const auto pick = [&](std::initializer_list<const char*> heads) {
+    std::string text;
+    for (const char* const head : heads) {
+      if (random() % 3 == 0) text += joined("// ", head, ": ", odd[random() % odd.size()], '\n');
     }
-    for (int j = 1; j <= n; ++j) {
-      if (below(3) == 0) names += joined("// x[", j, "]: ", pick(odd), '\n');
-    }
-    const int equations = below(4) == 0 ? 1 : 0;
-    const int inequations = below(3) + (targets + equations == 0 ? 1 : 0);
-    if (below(3) == 0) names += "// inequation[1]: " + pick(odd) + "\n";
-    std::string text = names + "[ " + wishes + "] " + matrix(targets, n);
-    text += matrix(equations, n) + (equations > 0 ? "[ 0 ]\n" : "[ ]\n") + matrix(inequations, n);
-    text += ranges(inequations, false);
-    std::string decimals;
-    for (int j = 0; j < n; ++j) decimals += pick({"0 ", "0 ", "0 ", "1 ", "3 ", "-1 "});
-    return text + "[ " + decimals + "] " + ranges(n, true);
-  }
-
- private:
-  int below(int limit) { return static_cast<int>(random_() % static_cast<unsigned>(limit)); }
-  const std::string& pick(const Texts& texts) {
-    return texts[static_cast<std::size_t>(below(static_cast<int>(texts.size())))];
-  }
-  std::string number() {
-    return pick({"0 ", "0 ", "1 ", "-1 ", "2 ", "-3 ", "1/3 ", "-2:1/2 ", "0.05 ", "1/7 ", "5/12 ",
-                 "12345678901234567890 "});
-  }
-  std::string matrix(int rows, int columns) {
-    std::string text = "[ ";
-    for (int i = 0; i < rows; ++i) {
-      text += "[ ";
-      for (int j = 0; j < columns; ++j) text += number();
-      text += "] ";
-    }
-    return text + "] ";
-  }
-  /// Left and right bounds that leave something, both infinite only with `free`.
-  std::string ranges(int count, bool free) {
-    std::string left = "[ ";
-    std::string right = "[ ";
-    for (int i = 0; i < count; ++i) {
-      const int kind = below(free ? 5 : 4);
-      const std::string value = number();
-      left += kind == 0 || kind == 4 ? "-inf " : kind == 1 ? value : pick({"-3 ", "-1/3 ", "-.5 "});
-      right += kind == 2 || kind == 4 ? "inf " : kind == 1 ? value : pick({"2 ", "1/3 ", "7:1/6 "});
-    }
-    return left + "] " + right + "]\n";
-  }
-
-  std::mt19937 random_;
-};
+    return text;
+  };
+  std::string text = pick({"x[1]", "x[2]", "x[3]", "target[1]", "inequation[1]", "model"});
+  if (random() % 3 == 0) text += "// constant[1]: -2:1/2\n";
+  return text + support::RandomProgram(seed).optText();
+}
 
 Vexil<QQ> programOf(const std::filesystem::path& file) {
   Vexil<QQ> program;
@@ -92,24 +45,21 @@ bool isPoint(const Vexil<QQ>& program, const Star<QQ>& star) {
   return true;
 }
 
-/// What a program says of all points of a small grid, fractions among them.
-Texts verdicts(const Vexil<QQ>& program) {
-  static const std::vector<QQ> GRID = {-2, QQ("-1/2"), 0, 1, QQ("1:1/4"), 7};
+/// What a program says of some of the points, and of neighbours of them.
+Texts verdicts(const Vexil<QQ>& program, const std::vector<support::Point>& points) {
   Texts result;
-  for (const QQ& places : program.dx.elements()) {
-    result.push_back(toString(places.positive ? places : QQ()));  // below 0 is as good as 0
-  }
-  std::size_t points = 1;
-  for (std::int64_t j = 0; j < program.lx.MN; ++j) points *= GRID.size();
-  for (std::size_t k = 0; k < points; ++k) {
-    Star<QQ> star;
-    star.resize(program.lx.MN, false);
-    std::size_t digits = k;
-    for (std::int64_t j = 1; j <= star.MN; ++j, digits /= GRID.size()) {
-      star[j] = GRID[digits % GRID.size()];
+  for (const QQ& places : program.dx.elements()) result.push_back(toString(places));
+  for (std::size_t k = 0; k < points.size(); k += 1 + points.size() / 40) {
+    for (const QQ& step : {QQ(0), QQ(1), QQ("-1/2")}) {
+      Star<QQ> star;
+      for (const std::int64_t X : points[k]) {
+        star.append(static_cast<long long>(X) /
+                    NumberTraits<QQ>::powerOfTen(program.dx[star.MN + 1]));
+      }
+      star[1 + static_cast<std::int64_t>(k) % star.MN] += step;
+      const bool valid = isPoint(program, star) && program.starIsValid(star);
+      result.push_back(valid ? joined(star.targetNorm, " ", star.slackNorm) : "no");
     }
-    const bool valid = isPoint(program, star) && program.starIsValid(star);
-    result.push_back(valid ? joined(star.targetNorm, " ", star.slackNorm) : "no");
   }
   return result;
 }
@@ -123,7 +73,8 @@ TEST(RoundTrip, KeepsPointsAndNorms) {
                        modelText(readModel(source, {}), *modelForm(target), {}, source));
   };
   for (std::uint32_t seed = 1; seed <= 300; ++seed) {
-    const std::string text = RandomProgram(seed).text();
+    const std::string text = programText(seed);
+    const auto points = support::RandomProgram(seed).points();
     support::writeFile(folder / "a.opt", text);
     move("a.opt", "a.lp");
     move("a.lp", "a.mps");
@@ -131,9 +82,9 @@ TEST(RoundTrip, KeepsPointsAndNorms) {
     move("a.opt", "c.mps");
     move("c.mps", "c.lp");
     move("c.lp", "c.opt");
-    const Texts expected = verdicts(programOf(folder / "a.opt"));
-    EXPECT_EQ(verdicts(programOf(folder / "b.opt")), expected) << seed << '\n' << text;
-    EXPECT_EQ(verdicts(programOf(folder / "c.opt")), expected) << seed << '\n' << text;
+    const Texts expected = verdicts(programOf(folder / "a.opt"), points);
+    EXPECT_EQ(verdicts(programOf(folder / "b.opt"), points), expected) << seed << '\n' << text;
+    EXPECT_EQ(verdicts(programOf(folder / "c.opt"), points), expected) << seed << '\n' << text;
     // Once in this form, a program is written the same again.
     move("b.opt", "d.lp");
     move("d.lp", "d.opt");

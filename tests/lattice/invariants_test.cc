@@ -63,31 +63,36 @@ struct Checked : Engine<Pair> {
     return false;
   }
 
+  /// Floating coefficients do not reach far beyond the numbers that standard precision guards.
   void checkReduced() const {
-    const ExactGramSchmidt exact(lattice.basis.B);
+    for (const Vector<T>& row : lattice.basis.B.elements()) {
+      if (std::is_same_v<typename Pair::U, dbl_t> && row.supNorm() > T(1000000000)) return;
+    }
+    const ExactGramSchmidt gs(lattice.basis.B);
     const QQ slack("1/10000000");
     for (std::int64_t k = 2; k <= lattice.basis.latRows; ++k) {
-      for (std::int64_t j = 1; j < k; ++j) EXPECT_LE(abs(exact.mu[k][j]), QQ("1/2") + slack);
-      const QQ mu = exact.mu[k][k - 1];
-      EXPECT_GE(exact.bstar[k] + mu * mu * exact.bstar[k - 1], (1 - slack) * exact.bstar[k - 1]);
+      for (std::int64_t j = 1; j < k; ++j) EXPECT_LE(abs(gs.mu[k][j]), QQ("1/2") + slack);
+      const QQ mu = gs.mu[k][k - 1];
+      EXPECT_GE(gs.bstar[k] + mu * mu * gs.bstar[k - 1], (1 - slack) * gs.bstar[k - 1]);
     }
   }
 
-  /// Those of the sol file too, but for the long ones of programs with extra variables and without
-  /// targets.
+  /// Judged exactly, since a sum at a fractional bound rounds. Those of the sol file too, but for
+  /// the long ones of programs with extra variables and without targets.
   void checkStars() {
+    const auto check = [this](const Vector<T>& x) {
+      Star<QQ> star;
+      convert(x, static_cast<Vector<QQ>&>(star), false);
+      EXPECT_TRUE(this->exact.starIsValid(star)) << x;
+    };
     for (const auto& star : lattice.found.stars.elements()) {
-      Star<T> x;
+      Vector<T> x;
       EXPECT_EQ(lattice.lat2opt(star, x, true, false), 1) << star;
-      EXPECT_TRUE(this->original.starIsValid(x)) << x;
+      check(x);
     }
-    Vexil<T> reader;
-    for (Star<T> x : lattice.program.solStars.elements()) {
-      if (x.MN > this->original.lx.MN) {
-        EXPECT_EQ(lattice.program.At.rowCount, 0) << x;
-        continue;
-      }
-      EXPECT_TRUE(this->original.starIsValid(x)) << x;
+    for (const Star<T>& x : lattice.program.solStars.elements()) {
+      if (x.MN <= this->exact.lx.MN) check(x);
+      EXPECT_TRUE(x.MN <= this->exact.lx.MN || this->exact.At.rowCount == 0) << x;
     }
   }
 };
@@ -130,9 +135,12 @@ bool check(const RandomProgram& random, int round) {
     if (engine.search()) engine.checkReduced();
     engine.checkStars();
     const auto kept = keptAtReplay(engine);
+    const T bestNorm = lattice.found.bestTarget.targetNorm;
     lattice.regenerate();
     const auto stars = engine.starPoints();
-    EXPECT_TRUE(slacks || std::includes(stars.begin(), stars.end(), kept.begin(), kept.end()))
+    const bool improved = lattice.found.bestTarget.targetNorm < bestNorm;
+    EXPECT_TRUE(slacks || improved ||
+                std::includes(stars.begin(), stars.end(), kept.begin(), kept.end()))
         << testing::PrintToString(kept) << testing::PrintToString(stars);
     return false;
   } catch (const PrecisionException& exception) {

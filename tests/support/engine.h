@@ -31,11 +31,13 @@ struct Engine {
   using T = typename Pair::T;
 
   support::TemporaryFolder folder;
-  Vexil<T> original;  ///< the program as the text has it
+  Vexil<QQ> exact;    ///< the program as the text has it
+  Vexil<T> original;  ///< in the numbers of the lattice
   Lattice<T, typename Pair::U> lattice;
 
-  explicit Engine(const std::string& opt, bool force1 = false, bool force2 = false) {
-    lattice.program.assign(programOf<QQ>(opt));
+  explicit Engine(const std::string& opt, bool force1 = false, bool force2 = false)
+      : exact(programOf<QQ>(opt)) {
+    lattice.program.assign(exact);
     lattice.setFileNames((folder / "x.sol").string());
     original = lattice.program;
     lattice.params.sol.current = 0;
