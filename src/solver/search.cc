@@ -47,8 +47,8 @@ class Search : public StopToken {
   Outcome run(bool within) {
     if (incumbent.enough()) return answer(true);
     try {
-      model = makeModel(program, this);
       enter("presolve");
+      model = makeModel(program, this);
       if (const char* reason = presolve(model, *this)) return answer(proved(reason));
       boxed = hasArtificialSides(model);
       if (!boxed || within) return answer(exhaust());
@@ -183,9 +183,10 @@ class Search : public StopToken {
 
   bool provedBySearch() {
     const auto [tree, enumeration] = std::pair(progress.treeNodes, progress.enumerationNodes);
-    proof = tree + enumeration == 0 ? "search, at its root"
-                                    : joined("search, ", tree, " nodes of the tree and ",
-                                             enumeration, " of the enumeration");
+    proof = tree + enumeration == 0
+                ? "search, at its root"
+                : joined("search, ", tree, tree == 1 ? " node" : " nodes", " of the tree and ",
+                         enumeration, " of the enumeration");
     return true;
   }
 
