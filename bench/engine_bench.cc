@@ -139,9 +139,9 @@ double squaredLength(fplll::ZZ_mat<mpz_t>& rows) {
 }
 #endif
 
-/// Ten bases of as many rows as the argument tells. Counters: the time against fplll's, with and
-/// without the check; the length of the first row against that of fplll's, on the geometric mean;
-/// the time of the check against that of the rest.
+/// Ten bases, with the collecting of short rows or without. Counters: the time against fplll's,
+/// with and without the check; the length of the first row against that of fplll's, on the
+/// geometric mean; the time of the check against that of the rest.
 void relationBases(benchmark::State& state) {
   std::vector<double> whole, unchecked, check;
   double logLength = 0;
@@ -153,6 +153,7 @@ void relationBases(benchmark::State& state) {
     for (unsigned seed = 1; seed <= SEEDS; ++seed) {
       const Numbers numbers = relationNumbers(state.range(0), seed);
       auto lattice = relationLattice<dbl_t, dbl_t>(numbers);
+      lattice.params.pair.current = state.range(1) != 0;
       auto other = lattice;
       using L = Lattice<dbl_t, dbl_t>;
       ours += seconds([&] { reduceWholly(lattice, checkedPass<L>); });
@@ -179,7 +180,8 @@ void relationBases(benchmark::State& state) {
 }
 BENCHMARK(relationBases)
     ->Name("engine/lll/relations")
-    ->DenseRange(20, 80, 20)
+    ->ArgsProduct({{20, 40, 60, 80}, {0, 1}})
+    ->ArgNames({"rows", "pair"})
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);
 
