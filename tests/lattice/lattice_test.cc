@@ -207,13 +207,6 @@ TYPED_TEST(Lattices, AreAssignedAcrossTheArithmetics) {
   EXPECT_EQ(copy.cells, source.cells);
 }
 
-TEST(LatticeNames, FollowTheSolFile) {
-  Lattice<QQ, dbl_t> lattice;
-  lattice.setFileNames("run.1/x.y.sol");
-  EXPECT_EQ(lattice.latFile + lattice.program.solFile + lattice.optFile,
-            "run.1/x.y.latrun.1/x.y.solrun.1/x.y.opt");
-}
-
 TEST(LatticeCopies, RefuseWhatStandardPrecisionCannotHold) {
   Lattice<QQ, dbl_t> source;
   Lattice<dbl_t, dbl_t> target;

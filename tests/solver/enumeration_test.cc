@@ -3,9 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <array>
-#include <cmath>
 #include <limits>
 #include <optional>
 #include <random>
@@ -109,69 +107,6 @@ TEST(Enumeration, IsNotMisledByWrongFloatingNumbers) {
   }
   EXPECT_GT(carried, 50);
   EXPECT_GT(refused, 50);
-}
-
-/// The claims of a projection at the points of its set, as an enumeration that passes them would
-/// use them.
-TEST(Projection, HoldsItsBoundsAtThePointsOfTheSet) {
-  std::mt19937_64 generator(9);
-  const auto draw = [&](long most) {
-    return static_cast<long>(generator() % static_cast<std::uint64_t>(2 * most + 1)) - most;
-  };
-  int points = 0;
-  for (int t = 0; t < 200; ++t) {
-    constexpr std::size_t D = 3;
-    ScaledForms forms;
-    forms.dimension = D;
-    forms.set.plain = 5 + generator() % 3;
-    const std::size_t F = forms.set.plain;
-    for (std::size_t f = 0; f < F; ++f) forms.offset.push_back(static_cast<dbl_t>(draw(9)) / 16);
-    for (std::size_t i = 0; i < D * F; ++i) forms.rows.push_back(static_cast<dbl_t>(draw(9)) / 16);
-    Projection p(forms);
-    if (t % 2 == 1) spoil(p, generator);
-    if (!p.bound(forms, std::vector<dbl_t>(D, 4))) continue;
-    for (int code = 0; code < 729; ++code) {
-      const std::array<double, D> lambda = {code % 9 - 4.0, code / 9 % 9 - 4.0, code / 81 - 4.0};
-      std::vector<dbl_t> z = forms.offset;
-      dbl_t greatest = 0;
-      for (std::size_t f = 0; f < F; ++f) {
-        for (std::size_t k = 0; k < D; ++k) z[f] += lambda[k] * forms.rows[k * F + f];
-        greatest = std::max(greatest, std::fabs(z[f]));
-      }
-      if (greatest > 1) continue;
-      ++points;
-      std::vector<double> w = p.across;
-      double norm = p.squaredAcross;
-      for (std::size_t k = D; k-- > 0;) {
-        double center = p.tau[k];
-        for (std::size_t i = D; i-- > k + 1;) center += lambda[i] * p.mu[k * D + i];
-        const double y = lambda[k] + center;
-        dbl_t product = 0;
-        for (std::size_t f = 0; f < F; ++f) {
-          w[f] += y * p.bStar[k * p.stride + f];
-          product += static_cast<dbl_t>(w[f]) * z[f];
-        }
-        norm += y * y * p.squared[k];
-        ASSERT_LE(std::fabs(y), p.reach[k]);
-        ASSERT_LE(norm, p.ball[k]);
-        ASSERT_LE(std::fabs(product - static_cast<dbl_t>(norm)), p.error[k]);
-      }
-    }
-  }
-  EXPECT_GT(points, 1000);
-}
-
-struct Always : StopToken {
-  bool stopRequested() override { return true; }
-};
-
-TEST(Enumeration, StopsWhenTold) {
-  const auto program = prepared<std::int64_t>(makeModel(RandomProgram(1003).program()));
-  ASSERT_TRUE(program.has_value());
-  Collector<std::int64_t> found;
-  Always stop;
-  Enumeration<std::int64_t> enumeration(program->system, program->ranges, found, stop);
-  EXPECT_THROW(static_cast<void>(enumeration.run(1000)), Stopped);
 }
 
 }  // namespace
