@@ -59,11 +59,16 @@ TYPED_TEST(Reduction, PutsDependentRowsOutOfTheWay) {
   EXPECT_EQ(this->after("[ [3 0 0] [6 0 0] [0 5 0] ]", pass), "[ 3 0 0 ][ 0 5 0 ][ 6 0 0 ] 1");
   EXPECT_EQ(this->after("[ [10 0 0] [0 10 0] [0 3 0] ]", pass), "[ 10 0 0 ][ 0 3 0 ][ 0 10 0 ] 1");
   EXPECT_EQ(this->after("[ [3 0] [0 0] [1 5] ]", pass), "[ 3 0 ][ 1 5 ][ 0 0 ] 1");
-  this->after("[ [3 0 0] [6 0 0] [0 5 0] ]", [](auto& lattice) {
-    lattice.gramSchmidt.updateGramSchmidt(lattice.basis.B, 1, 2);
-    EXPECT_EQ(thrown([&] { lattice.blend(2, 2); }), "Blending is not possible");
-    return "";
-  });
+  const auto blended = [](std::int64_t k, std::int64_t kk) {
+    return [=](auto& lattice) {
+      lattice.gramSchmidt.updateGramSchmidt(lattice.basis.B, 1, k);
+      return lattice.blend(k, kk);
+    };
+  };
+  EXPECT_EQ(this->after("[ [3 0] [6 0] [0 5] ]", blended(2, 3)), "[ 3 0 ][ 0 5 ][ 6 0 ] -2");
+  EXPECT_EQ(this->after("[ [9 0] [0 9] [0 3] ]", blended(3, 3)), "[ 9 0 ][ 0 3 ][ 0 9 ] 2");
+  EXPECT_EQ(thrown([&] { this->after("[ [3 0] [6 0] [0 5] ]", blended(2, 2)); }),
+            "Blending is not possible");
 }
 
 TYPED_TEST(Reduction, KeepsToItsBudget) {
