@@ -118,7 +118,7 @@ TYPED_TEST(Reduction, ReplacesTheBasisByTheProductOfItsTransformation) {
 TYPED_TEST(Reduction, NamesWhatOverflows) {
   using T = typename TypeParam::T;
   auto& lattice = this->subject;
-  auto& [B, B_save, TT, latRows, latDim] = lattice.basis;
+  auto& TT = lattice.basis.TT;
   const auto message = [&](const char* basis, const std::function<void()>& act) {
     setBasis(lattice, basis);
     lattice.params.consistency.set(true);
