@@ -15,7 +15,7 @@ constexpr std::int64_t GREATEST_TERM = std::int64_t{1} << 36;
 constexpr std::int64_t GREATEST_SIDE = std::int64_t{1} << 50;
 constexpr std::int64_t GREATEST_RANGE = std::int64_t{1} << 40;
 constexpr std::int64_t GREATEST_WIDTH = std::int64_t{1} << 16;
-constexpr std::int64_t GREATEST_COEFFICIENT = std::int64_t{1} << 20;
+constexpr std::int64_t GREATEST_COEFFICIENT = std::int64_t{1} << 11;
 constexpr std::int64_t GREATEST_DENOMINATOR = 1 << 12;
 constexpr std::size_t MOST_DIVISORS = 12;
 

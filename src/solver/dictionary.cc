@@ -11,7 +11,10 @@ constexpr double NOTHING = 1e-12;    ///< coefficients up to this count as 0
 constexpr double PIVOT_SIZE = 1e-7;  ///< least pivot, in units of the largest entry of the row
 constexpr double TOLERANCE_LEAST = 1e-7;
 constexpr double TOLERANCE_OF_WIDTH = 1e-11;
+constexpr double TOLERANCE_OF_COEFFICIENT = 1e-9;
 constexpr int REFACTOR_INTERVAL = 120;
+constexpr int PIVOTS_BEFORE_PERTURBATION = 300;
+constexpr double PERTURBATION = 1e-6;
 constexpr std::size_t UNROLL = 4;
 constexpr std::int64_t WORK_BETWEEN_STOPS = 4'000'000;
 
@@ -66,11 +69,16 @@ template Dictionary::Dictionary(const ItemSystem<ZZ>&);
 
 template <typename Z>
 void Dictionary::takeItem(const ItemSystem<Z>& system, std::size_t item) {
-  for (std::size_t k = 0; k < D; ++k) original.push_back(toDouble(system.entry(item, k)));
+  double greatest = 0;
+  for (std::size_t k = 0; k < D; ++k) {
+    original.push_back(toDouble(system.entry(item, k)));
+    greatest = std::max(greatest, std::fabs(original.back()));
+  }
   originalConstant.push_back(toDouble(system.offset[item]));
   low.push_back(toDouble(system.lower[item]));
   high.push_back(toDouble(system.upper[item]));
-  slack.push_back(std::max(TOLERANCE_LEAST, TOLERANCE_OF_WIDTH * (high[item] - low[item])));
+  slack.push_back(std::max({TOLERANCE_LEAST, TOLERANCE_OF_WIDTH * (high[item] - low[item]),
+                            TOLERANCE_OF_COEFFICIENT * greatest}));
 }
 
 template <typename Z>
@@ -416,12 +424,35 @@ void Dictionary::pivot(std::size_t item, std::size_t column) {
   throwIfStopped(*stop);
 }
 
+/// Against cycles: prefers the bounds where the nonbasic items are, by different small amounts.
+void Dictionary::perturb() {
+  std::uint32_t seed = 1;
+  for (std::size_t j = 0; j < D; ++j) {
+    seed = seed * 1664525U + 1013904223U;
+    const double unit = 0.5 + static_cast<double>(seed >> 8U) / static_cast<double>(1U << 24U);
+    const double change = PERTURBATION * (1 + std::fabs(cost[j])) * unit;
+    const std::size_t item = itemOf[j];
+    cost[j] += values[item] == low[item] ? change : -change;
+  }
+}
+
 LpEnd Dictionary::solve(int limit) {
   if (pivotsSinceRefactor >= REFACTOR_INTERVAL) refactor();
   moveToBounds();
+  bool isPerturbed = false;
   for (int pivots = 0;; ++pivots) {
+    if (pivots == PIVOTS_BEFORE_PERTURBATION) {
+      perturb();
+      isPerturbed = true;
+    }
     const std::size_t item = chooseLeaving();
     workDone += static_cast<std::int64_t>(R);
+    if (item == NONE && isPerturbed) {
+      setCost(std::vector<double>(costWeights));
+      moveToBounds();
+      isPerturbed = false;
+      continue;
+    }
     if (item == NONE) return LpEnd::Optimal;
     if (pivots >= limit) return LpEnd::GaveUp;
     const bool rising = values[item] < low[item];

@@ -94,6 +94,7 @@ class Dictionary {
   void initialize();
   void refactor();
   void moveToBounds();
+  void perturb();
   void recomputeValues();
   void moveColumn(std::size_t j, double value);
   [[nodiscard]] std::size_t chooseLeaving() const;

@@ -51,6 +51,26 @@ std::size_t Relaxation<Z>::addCuts() requires std::same_as<Z, std::int64_t> {
 }
 
 template <typename Z>
+void Relaxation<Z>::retractCuts(std::size_t cuts) {
+  std::vector<bool> gone(system.count, false);
+  std::fill(gone.end() - static_cast<std::ptrdiff_t>(cuts), gone.end(), true);
+  system.removeCuts(gone);
+  boxes.lower.resize(system.count);
+  boxes.upper.resize(system.count);
+  goalOf.resize(system.count);
+  propagation.adapt();
+  trail.clear();
+  Dictionary fresh(system);
+  fresh.addWork(dictionary.work());
+  dictionary = std::move(fresh);
+  dictionary.keepBasic(system.objective);
+  for (std::size_t item = 0; item < system.count; ++item) {
+    setBound(item, true, boxes.lower[item]);
+    setBound(item, false, boxes.upper[item]);
+  }
+}
+
+template <typename Z>
 void Relaxation<Z>::dropCuts() {
   std::vector<bool> gone(system.count, false);
   for (std::size_t item = firstCut; item < system.count; ++item) {

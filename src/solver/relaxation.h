@@ -33,6 +33,8 @@ class Relaxation {
   /// Adds cuts that the present solution violates, at the root, whose moves become final. The
   /// number of cuts.
   std::size_t addCuts() requires std::same_as<Z, std::int64_t>;
+  /// Takes back the last cuts, for a linear program that fails with them, and starts it afresh.
+  void retractCuts(std::size_t cuts);
   /// Removes the cuts that do not hold the present solution.
   void dropCuts();
 

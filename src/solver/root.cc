@@ -9,8 +9,8 @@ namespace {
 constexpr int ROUNDS_OF_THE_ROOT = 10;
 constexpr int PIVOTS_OF_A_RANGE = 200;
 constexpr int ROUNDS_OF_CUTS = 40;
-constexpr int IDLE_ROUNDS = 3;
-constexpr double LEAST_PROGRESS = 0.01;
+constexpr int IDLE_ROUNDS = 6;
+constexpr double LEAST_PROGRESS = 0.002;
 
 template <typename Z>
 class Root {
@@ -105,12 +105,17 @@ NodeState addRootCuts(Relaxation<Z>& relaxation, StopToken& stop) {
     for (int round = 0; round < ROUNDS_OF_CUTS && idle < IDLE_ROUNDS; ++round) {
       throwIfStopped(stop);
       const double before = lp.value(objective);
-      if (relaxation.addCuts() == 0) break;
+      const std::size_t cuts = relaxation.addCuts();
+      if (cuts == 0) break;
       if (relaxation.followState() == NodeState::Empty ||
           relaxation.examine(1) == NodeState::Empty) {
         return NodeState::Empty;
       }
-      if (!relaxation.solved()) break;
+      if (!relaxation.solved()) {
+        relaxation.retractCuts(cuts);
+        minimizeObjective(relaxation);
+        return relaxation.examine(1);
+      }
       const double after = lp.value(objective);
       idle = after - before > LEAST_PROGRESS * (after - start) ? 0 : idle + 1;
       relaxation.dropCuts();
