@@ -209,6 +209,7 @@ TYPED_TEST(Candidates, OfTheBasisFareAsOthersDo) {
       rows.params.scale.current = settings == 3;
       rows.params.translate.current = settings == 4;
       rows.setWeight(1, T(3));
+      rows.found.clear();
       rows.found.homogeneousVectors.setCapacity(3);
       rows.found.inhomogeneousVectors.setCapacity(2);
       auto whole = rows;
