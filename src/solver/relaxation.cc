@@ -33,21 +33,25 @@ Relaxation<Z>::Relaxation(const FormSystem<Z>& formSystem, ItemSystem<Z>& itemSy
 }
 
 template <typename Z>
-std::size_t Relaxation<Z>::addCuts() requires std::same_as<Z, std::int64_t> {
-  CutFinder finder(system, boxes, dictionary);
-  const std::vector<Cut> cuts = finder.find();
-  dictionary.addWork(finder.work());
-  for (const Cut& cut : cuts) {
-    system.addCut(cut.a, cut.bound);
-    boxes.lower.push_back(system.lower.back());
-    boxes.upper.push_back(system.upper.back());
-    goalOf.push_back(NONE);
+std::size_t Relaxation<Z>::addCuts() {
+  if constexpr (std::is_same_v<Z, std::int64_t>) {
+    CutFinder finder(system, boxes, dictionary);
+    const std::vector<Cut> cuts = finder.find();
+    dictionary.addWork(finder.work());
+    for (const Cut& cut : cuts) {
+      system.addCut(cut.a, cut.bound);
+      boxes.lower.push_back(system.lower.back());
+      boxes.upper.push_back(system.upper.back());
+      goalOf.push_back(NONE);
+    }
+    dictionary.append(system);
+    prover.adapt();
+    propagation.adapt();
+    trail.clear();
+    return cuts.size();
+  } else {
+    return 0;
   }
-  dictionary.append(system);
-  prover.adapt();
-  propagation.adapt();
-  trail.clear();
-  return cuts.size();
 }
 
 template <typename Z>

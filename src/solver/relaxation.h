@@ -1,7 +1,6 @@
 // Vexil - exact integer optimization on lattices.
 #pragma once
 
-#include <concepts>
 #include <cstdint>
 #include <optional>
 #include <vector>
@@ -31,8 +30,8 @@ class Relaxation {
              SearchState<Z>& searchState);
 
   /// Adds cuts that the present solution violates, at the root, whose moves become final. The
-  /// number of cuts.
-  std::size_t addCuts() requires std::same_as<Z, std::int64_t>;
+  /// number of cuts; none in a system of long numbers.
+  std::size_t addCuts();
   /// Takes back the last cuts, for a linear program that fails with them, and starts it afresh.
   void retractCuts(std::size_t cuts);
   /// Removes the cuts that do not hold the present solution.

@@ -10,6 +10,7 @@
 
 #include "solver/dictionary.h"
 #include "solver/ranges.h"
+#include "solver/relaxation.h"
 
 namespace vexil::solver {
 namespace {
@@ -143,6 +144,49 @@ TYPED_TEST(Proof, NoMultipliersCutOffAPoint) {
     }
   }
   EXPECT_GT(contradictions + moves, 100);
+}
+
+/// Takes every point and lowers nothing.
+template <typename Z>
+struct Silent : SearchState<Z> {
+  bool offer(const FormSystem<Z>& /*system*/, const std::vector<Z>& /*values*/) override {
+    return true;
+  }
+};
+
+/// Cuts at arbitrary solutions, round after round on top of each other: a disturbed cost moves the
+/// solution to another corner of the linear program, and no cut may take a point away.
+TEST(CutFinderTest, CutsNoPointOff) {
+  using Z = std::int64_t;
+  std::size_t cuts = 0;
+  for (std::uint64_t seed = 1; seed <= 400; ++seed) {
+    Small<Z> small(seed);
+    const auto ranges = coordinateRanges(small.system);
+    ASSERT_TRUE(ranges.has_value());
+    ItemSystem<Z> items = itemSystem(small.system, *ranges);
+    Silent<Z> state;
+    Relaxation<Z> relaxation(small.system, items, state);
+    for (int round = 0; round < 6; ++round) {
+      std::vector<double> cost;
+      for (std::size_t i = 0; i < items.count; ++i) {
+        cost.push_back(static_cast<double>(small.draw(2001)) / 1000 - 1);
+      }
+      relaxation.linearProgram().setCost(cost);
+      if (relaxation.linearProgram().solve(100) == LpEnd::Infeasible) break;
+      const std::size_t first = items.count;
+      cuts += relaxation.addCuts();
+      for (const std::vector<int>& lambda : small.points) {
+        for (std::size_t i = first; i < items.count; ++i) {
+          const Z value = small.item(items, i, lambda);
+          ASSERT_LE(value, items.upper[i]) << seed;
+          ASSERT_GE(value, items.lower[i]) << seed;
+        }
+      }
+      if (round % 3 == 2) relaxation.dropCuts();
+      if (round % 3 == 1 && items.count > first) relaxation.retractCuts(items.count - first);
+    }
+  }
+  EXPECT_GT(cuts, 500U);
 }
 
 /// The optimum of a linear program over a box and one row, known in closed form: the fractional

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cfenv>
 #include <random>
 #include <sstream>
@@ -146,6 +147,68 @@ Vexil<QQ> programOf(const std::string& text) {
   program.optFile = file.string();
   program.readOptFile();
   return program;
+}
+
+std::int64_t drawn(std::mt19937_64& generator, std::uint64_t count) {
+  return static_cast<std::int64_t>(generator() % count);
+}
+
+/// A knapsack, a covering row and an assignment over 10 variables 0/1, the variables in this order,
+/// counted from 0 or down from 1 as `negated` says, the norm times `factor`.
+std::string transformed(std::uint64_t seed, const std::vector<std::size_t>& order,
+                        std::uint64_t negated, std::int64_t factor) {
+  std::mt19937_64 generator(seed);
+  constexpr std::size_t N = 10;
+  std::int64_t shift = 0;
+  const auto row = [&](std::int64_t least, std::uint64_t width, std::int64_t times) {
+    std::vector<std::int64_t> a;
+    for (std::size_t i = 0; i < N; ++i) a.push_back(times * (least + drawn(generator, width)));
+    shift = 0;
+    std::string text = "[ ";
+    for (const std::size_t i : order) {
+      const bool isNegated = (negated >> i & 1) != 0;
+      if (isNegated) shift += a[i];
+      text += std::to_string(isNegated ? -a[i] : a[i]) + ' ';
+    }
+    return text + "] ";
+  };
+  const auto side = [&](std::int64_t value) { return std::to_string(value - shift) + ' '; };
+  std::string text = "[ 0 ] [ " + row(-40, 50, factor) + "] ";
+  text.replace(0, 5, "[ " + std::to_string(-1000 * factor - shift) + " ]");
+  text += "[ " + row(1, 1, 1) + "] [ ";
+  text += side(5) + "] ";
+  std::string left;
+  text += "[ " + row(3, 30, 1);
+  left += "-inf ";
+  std::string right = side(75);
+  text += row(1, 9, 1) + "] ";
+  left += side(20);
+  right += "inf ";
+  text += "[ " + left + "] [ " + right + "] [ ";
+  for (const char* bound : {"0 ", "0 ", "1 "}) {
+    for (std::size_t i = 0; i < N; ++i) text += bound;
+    text += *bound == '1' ? "]" : "] [ ";
+  }
+  return text;
+}
+
+TEST(Search, FindsTheSameNormForTheSameProgramInOtherWords) {
+  std::vector<std::size_t> order = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9};
+  std::mt19937_64 generator(5);
+  int optima = 0;
+  for (std::uint64_t seed = 1; seed <= 60; ++seed) {
+    Collector collector;
+    const Outcome plain = solve(programOf(transformed(seed, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9}, 0, 1)),
+                                {}, {}, collector);
+    std::shuffle(order.begin(), order.end(), generator);
+    const Outcome other =
+        solve(programOf(transformed(seed, order, generator(), 7)), {}, {}, collector);
+    ASSERT_EQ(other.status, plain.status) << seed;
+    if (plain.status != Status::Optimal) continue;
+    ++optima;
+    EXPECT_EQ(*other.best, QQ(7) * *plain.best) << seed;
+  }
+  EXPECT_GT(optima, 30);
 }
 
 struct Case {
