@@ -71,7 +71,7 @@ class Search : public StopToken {
       if (basis.K.empty()) {
         boxed = false;
         incumbent.take(programPoint(model, basis.x0));
-        return proved("the equations leave one point");
+        return lattices > 1 ? provedBySearch() : proved("the equations leave one point");
       }
       enter("reduction");
       reduce(basis, model, 2, settings.deep, *this);

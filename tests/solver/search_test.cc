@@ -318,5 +318,14 @@ TEST(Search, CountsKnownPointsAndReportsOnlyBetterOnes) {
   EXPECT_EQ(collector.points.size(), 0U);
 }
 
+/// Points that were found narrow this program, until its new equations leave one.
+TEST(Search, NamesNoEquationsAsTheProofOfAProgramWithoutThem) {
+  const Vexil<QQ> program = programOf(
+      "[ inf ][ [ 30 80 50 ] ][ ][ ][ [ 2 5 3 ][ 3 8 6 ][ 1 1 1 ] ][ -inf -inf 6 ]"
+      "[ 30 42 12 ][ 0 0 0 ][ 0 0 0 ][ inf inf inf ]");
+  Collector collector;
+  EXPECT_TRUE(solve(program, {}, {}, collector).proof.starts_with("search"));
+}
+
 }  // namespace
 }  // namespace vexil::solver
