@@ -45,7 +45,7 @@ std::int64_t denominatorOf(double x, std::int64_t most) {
   double rest = x;
   while (std::fabs(x * denominator - std::rint(x * denominator)) > 1e-6) {
     rest = 1 / (rest - static_cast<double>(static_cast<std::int64_t>(rest)));
-    if (!(rest < 1e6)) return 0;
+    if (!(rest >= 1 && rest < 1e6)) return 0;  // -inf where zero came out negative
     const double next = static_cast<double>(static_cast<std::int64_t>(rest)) * denominator + before;
     before = denominator;
     denominator = next;
