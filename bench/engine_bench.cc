@@ -59,7 +59,7 @@ Lattice<T, U> relationLattice(const Numbers& numbers) {
     base[i][i + 1] = T(1);
   }
   Lattice<T, U> lattice(&base);
-  const auto setAll = [n](Vector<T>& vector, std::int64_t count, long value) {
+  const auto setAll = [](Vector<T>& vector, std::int64_t count, long value) {
     vector.resize(count, false);
     vector.fill(T(value));
   };

@@ -64,7 +64,7 @@ class CutFinder {
   };
   struct Scored {
     Cut cut;
-    double score;
+    double score = 0;
   };
   struct Range {
     std::int64_t lower;

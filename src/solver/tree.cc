@@ -266,8 +266,8 @@ bool Tree<Z>::tryChildren(const Choice& choice, double objective) {
 /// The integer below the value of a choice, such that both sides are within the bounds.
 template <typename Z>
 Z Tree<Z>::floorOf(const Choice& choice) const {
-  const Z low = relaxation.lower(choice.item);
-  const Z high = relaxation.upper(choice.item) - Z(1);
+  Z low = relaxation.lower(choice.item);
+  Z high = relaxation.upper(choice.item) - Z(1);
   if (!(choice.value > toDouble(low))) return low;
   if (!(choice.value < toDouble(high))) return high;
   return std::clamp(nearestInteger<Z>(std::floor(choice.value)), low, high);
