@@ -69,7 +69,7 @@ void Dive<Z>::run(Kind kind) {
   relaxation.undo(start);
 }
 
-/// Rounds an item beyond its value.
+/// Rounds an item beyond its value; both ways narrow its bounds, wherever the value is.
 template <typename Z>
 bool Dive<Z>::take(const Step& step) {
   const double value = relaxation.linearProgram().value(step.item);
@@ -77,6 +77,7 @@ bool Dive<Z>::take(const Step& step) {
   const Z high = relaxation.upper(step.item);
   Z below = std::clamp(nearestInteger<Z>(value), low, high);
   if (toDouble(below) > value) below = below - Z(1);
+  below = std::clamp(below, low, high - Z(1));
   return step.upward ? relaxation.raiseLower(step.item, below + Z(1))
                      : relaxation.dropUpper(step.item, below);
 }
