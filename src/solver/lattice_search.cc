@@ -3,28 +3,13 @@
 
 #include <algorithm>
 
+#include "solver/coset.h"
 #include "solver/ranges.h"
 
 namespace vexil::solver {
 namespace {
 
 constexpr std::int64_t FIRST_BUDGET = std::int64_t{1} << 22;
-
-template <typename Z>
-Z greatestDivisor(Z a, Z b) {
-  if constexpr (std::is_same_v<Z, ZZ>) {
-    return gcd(a, b);
-  } else {
-    a = a < 0 ? -a : a;
-    b = b < 0 ? -b : b;
-    while (b != 0) {
-      const Z rest = a % b;
-      a = b;
-      b = rest;
-    }
-    return a;
-  }
-}
 
 /// The side at a proved bound of an item, and whether it is further in than the one before.
 bool narrowSide(Side& side, const ZZ& value, bool isLower, bool artificial) {
@@ -65,32 +50,14 @@ LatticeSearch<Z>::LatticeSearch(Model& searched, const LatticeBasis& latticeBasi
       progress(searchProgress),
       listener(searchListener),
       forms(formSystem<Z>(searched, latticeBasis)),
+      isBounded(!anyArtificial(searched)),
       earlierWork(searchProgress.work) {
-  findStep();
-  lowerCut();
-}
-
-/// With |t| = t - 2 min(t, 0) the objective is its linear part plus all t, less even multiples of
-/// them: what divides these on the whole lattice is a step of the objective.
-template <typename Z>
-void LatticeSearch<Z>::findStep() {
-  if (!forms.hasObjective) return;
-  Z divisor = 0;
-  Z constant = forms.objectiveOffset;
-  std::vector<Z> linear = forms.objective;
-  for (std::size_t f = 0; f < forms.count; ++f) {
-    if (forms.kind[f] != FormKind::Goal) continue;
-    constant = constant + forms.offset[f];
-    divisor = greatestDivisor<Z>(divisor, forms.offset[f] + forms.offset[f]);
-    for (std::size_t k = 0; k < forms.dimension; ++k) {
-      const Z& y = forms.entry(k, f);
-      linear[k] = linear[k] + y;
-      divisor = greatestDivisor<Z>(divisor, y + y);
-    }
+  if (forms.hasObjective) {
+    const auto [divisor, constant] = objectiveCoset(forms);
+    this->step = divisor;
+    this->residue = constant;
   }
-  for (const Z& c : linear) divisor = greatestDivisor<Z>(divisor, c);
-  this->step = divisor;
-  this->residue = constant;
+  lowerCut();
 }
 
 /// The cut below the best norm, or at the limit of wanted norms.
@@ -168,7 +135,7 @@ void LatticeSearch<Z>::report() {
   progress.work = earlierWork + rootWork + this->work;
   if (tree) progress.treeNodes = tree->nodes();
   if (enumerator) progress.enumerationNodes = enumerator->search->nodes();
-  if (!incumbent.collects() && this->hasBound) {
+  if (isBounded && !incumbent.collects() && this->hasBound) {
     const QQ norm = QQ(toZZ(this->bound), model.scale);
     if (!progress.bound || norm > *progress.bound) progress.bound = norm;
   }

@@ -44,7 +44,6 @@ class LatticeSearch : public SearchState<Z>, public StopToken {
     std::int64_t work = 0;
   };
 
-  void findStep();
   void lowerCut();
   [[nodiscard]] bool exportSides(const Relaxation<Z>& relaxation);
   [[nodiscard]] LatticeEnd searchRounds();
@@ -63,6 +62,7 @@ class LatticeSearch : public SearchState<Z>, public StopToken {
   FormSystem<Z> forms;
   std::unique_ptr<Tree<Z>> tree;
   std::unique_ptr<Enumerator> enumerator;  ///< while it is usable
+  bool isBounded;                          ///< no side is artificial: bounds hold for the program
   std::int64_t earlierWork = 0;
   std::int64_t rootWork = 0;
 };
