@@ -96,24 +96,34 @@ class Search : public StopToken {
       if (ray.MN > 0) {
         const Vector<QQ> point = findPoint();
         if (point.MN > 0) incumbent.take(point);
-        Outcome outcome = answer(false);
-        if (outcome.points > 0) {
+        if (incumbent.points() > 0) {
+          Outcome outcome = answer(false);
           outcome.status = program.dt.MN > 0 ? Status::Unbounded : Status::Feasible;
-          outcome.ray = ray;
+          outcome.ray = primitive(model, ray);
+          return outcome;
         }
-        return outcome;
       }
     }
     const Model whole = model;
     const bool complete = exhaust();
-    Outcome outcome = answer(complete);
-    if (!complete || !boxed || incumbent.enough() || isWhole(whole)) return outcome;
-    outcome.complete = false;
-    outcome.proof.clear();
+    if (!complete || !boxed || incumbent.enough() || isWhole(whole)) return answer(complete);
+    return answerBeyondBox(whole);
+  }
+
+  /// The answer where the box is searched, but may not hold all points.
+  Outcome answerBeyondBox(const Model& whole) {
+    const WithoutBox proved = provedWithoutBox(whole, *this);
+    if (proved.bound) progress.bound = QQ(*proved.bound, whole.scale);
+    if (proved.empty || (progress.bound && !isWantedAt(*progress.bound))) return answer(true);
+    Outcome outcome = answer(false);
     outcome.limitation = IN_THE_BOX;
-    outcome.status = incumbent.points() > 0 ? Status::BestSoFar : Status::Unknown;
-    outcome.bound.reset();
     return outcome;
+  }
+
+  /// A point with this norm, which none falls below, might be wanted yet.
+  [[nodiscard]] bool isWantedAt(const QQ& norm) const {
+    if (incumbent.collects()) return !settings.targetLimit || norm <= *settings.targetLimit;
+    return !incumbent.best() || norm < *incumbent.best();
   }
 
   /// A point is known, and all points that are wanted are in the box.

@@ -18,6 +18,19 @@ namespace vexil::solver {
 /// and every wish becomes 0.
 [[nodiscard]] Vexil<QQ> directionsOf(const Vexil<QQ>& program);
 
+/// The shortest integral direction along `ray`, an integral point of `directionsOf`.
+[[nodiscard]] Vector<QQ> primitive(const Model& model, Vector<QQ> ray);
+
+/// What holds of a model also outside its box.
+struct WithoutBox {
+  bool empty = false;       ///< it has no real point
+  std::optional<ZZ> bound;  ///< no integral point has a lesser objective
+};
+
+/// What follows from linear programs by exact multipliers in which no artificial side has a part,
+/// and from the coset of the objective. Throws `Stopped`.
+[[nodiscard]] WithoutBox provedWithoutBox(const Model& model, StopToken& stop);
+
 /// Tells whether every real point of the presolved `model`, with an objective up to `greatest` if
 /// that is given, is within the box, which holds if the box contains one such point, as the caller
 /// knows, and no artificial side is reached by such a point of the box: the set is convex. Nothing
