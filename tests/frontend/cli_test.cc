@@ -110,7 +110,7 @@ void addCommandLines(std::vector<Case>& rows) {
   number = 0;
   for (const auto& [solFile, optFile] :
        std::vector<std::pair<std::string, std::string>>{{"r.1/x.y.sol", "r.1/x.y.opt"},
-                                                        {"../x.sol", "../x.opt"},
+                                                        {"../vexil-none.sol", "../vexil-none.opt"},
                                                         {"x.sol.sol", "x.sol.opt"},
                                                         {"d.d/.sol", "d.d/.opt"},
                                                         {"..sol", "..opt"}}) {
