@@ -149,6 +149,7 @@ void StarStore::forEachPoint(const std::function<void(const Star<QQ>&)>& visit) 
 
 std::vector<Vector<QQ>> StarStore::points() const {
   std::vector<Vector<QQ>> points;
+  points.reserve(static_cast<std::size_t>(pointCount_));
   forEachPoint([&](const Star<QQ>& star) { points.push_back(star); });
   return points;
 }

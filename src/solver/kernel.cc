@@ -214,10 +214,11 @@ class Substitution {
   std::vector<std::vector<int>> rows_;
 };
 
-std::optional<LatticeBasis> substituted(const Model& model,
-                                        const std::vector<Equation>& equations) {
+std::optional<LatticeBasis> substituted(const Model& model, const std::vector<Equation>& equations,
+                                        StopToken& stop) {
   Substitution substitution(model);
   for (const Equation& equation : equations) {
+    throwIfStopped(stop);
     if (!substitution.add(equation)) return std::nullopt;
   }
   return substitution.take();
@@ -233,7 +234,9 @@ LatticeBasis kernel(const Model& model, StopToken& stop) {
   }
   std::stable_sort(equations.begin(), equations.end(),
                    [](const Equation& a, const Equation& b) { return a.a.size() < b.a.size(); });
-  if (std::optional<LatticeBasis> plain = substituted(model, equations)) return *std::move(plain);
+  if (std::optional<LatticeBasis> plain = substituted(model, equations, stop)) {
+    return *std::move(plain);
+  }
   KernelBuilder builder(model, meter);
   for (const Equation& equation : equations) {
     const char* const contradiction = builder.add(equation);

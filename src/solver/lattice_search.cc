@@ -160,10 +160,13 @@ LatticeEnd LatticeSearch<Z>::run(bool mayNarrow) {
   for (std::size_t f = 0; f < forms.count; ++f) {
     if (forms.lower[f] > forms.upper[f]) return LatticeEnd::Exhausted;
   }
+  throwIfStopped(*this);  // of a large program each of these steps takes its time
   const std::optional<CoordinateRanges<Z>> ranges = coordinateRanges(forms);
   if (!ranges) return LatticeEnd::Unusable;
   ItemSystem<Z> items = itemSystem(forms, *ranges);
+  throwIfStopped(*this);
   Relaxation<Z> relaxation(forms, items, *this);
+  throwIfStopped(*this);
   relaxation.linearProgram().heed(*this);
   enter("root");
   const NodeState root = tightenRoot(forms, relaxation, *this, *this);

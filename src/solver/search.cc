@@ -75,6 +75,7 @@ class Search : public StopToken {
       }
       enter("reduction");
       reduce(basis, model, 2, settings.deep, *this);
+      throwIfStopped(*this);
       const bool mayNarrow = lattices < MOST_LATTICES && !boxed;
       LatticeEnd end = LatticeEnd::Unusable;
       if (isNarrowSystem(model, basis)) end = searchLattice<std::int64_t>(basis, mayNarrow);
