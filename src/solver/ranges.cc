@@ -9,7 +9,9 @@ namespace {
 
 using Index = std::size_t;
 
-constexpr double GREATEST_MULTIPLIER = 1e14;
+/// Rows of the inverse that mix forms with short and with long numbers take long multipliers.
+template <typename Z>
+constexpr double GREATEST_MULTIPLIER = std::is_same_v<Z, ZZ> ? 0x1p200 : 1e14;
 
 /// d forms of full rank and the inverse of their columns of Y.
 struct Inverse {
@@ -75,12 +77,13 @@ ZZ powerOfTwo(int exponent) {
   return power;
 }
 
-/// The exponent s that brings the greatest entry to half of GREATEST_MULTIPLIER, at least 0.
+/// The exponent s that brings the greatest entry near to GREATEST_MULTIPLIER, at least 0.
+template <typename Z>
 int scaleOf(const double* entries, Index d) {
   double greatest = 0;
   for (Index j = 0; j < d; ++j) greatest = std::max(greatest, std::fabs(entries[j]));
   int s = 0;
-  constexpr double TARGET = 3.5e13;
+  constexpr double TARGET = 0.35 * GREATEST_MULTIPLIER<Z>;
   for (; greatest > 0 && greatest < TARGET; greatest *= 2) ++s;
   return s;
 }
@@ -105,13 +108,13 @@ std::optional<RowRange> rowRange(const FormSystem<Z>& system, const Inverse& inv
   const Index d = system.dimension;
   const double* entries = inverse.entries.data() + (k * d);
   RowRange range;
-  range.scale = powerOfTwo(scaleOf(entries, d));
+  range.scale = powerOfTwo(scaleOf<Z>(entries, d));
   const double scale = toDouble(range.scale);
   std::vector<Wide<Z>> products(d, Wide<Z>(0));  // m Y
   Wide<Z> low = 0;
   Wide<Z> high = 0;
   for (Index j = 0; j < d; ++j) {
-    if (!(std::fabs(entries[j]) * scale < GREATEST_MULTIPLIER)) return std::nullopt;
+    if (!(std::fabs(entries[j]) * scale < GREATEST_MULTIPLIER<Z>)) return std::nullopt;
     const Z m = nearestInteger<Z>(entries[j] * scale);
     if (signOf(m) == 0) continue;
     const Index f = inverse.forms[j];
