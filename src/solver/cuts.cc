@@ -5,6 +5,8 @@
 #include <cmath>
 #include <numeric>
 
+#include "solver/probe.h"
+
 namespace vexil::solver {
 namespace {
 
@@ -71,10 +73,12 @@ double cosine(const Cut& x, const Cut& y) {
 }  // namespace
 
 CutFinder::CutFinder(const ItemSystem<std::int64_t>& itemSystem,
-                     const Boxes<std::int64_t>& rootBoxes, const Dictionary& solvedProgram)
+                     const Boxes<std::int64_t>& rootBoxes, const Dictionary& solvedProgram,
+                     Probe* testProbe)
     : system(itemSystem),
       boxes(rootBoxes),
       dictionary(solvedProgram),
+      probe(testProbe),
       D(itemSystem.parameters),
       point(D) {}
 
@@ -311,7 +315,16 @@ void CutFinder::addRounded(const Equation& equation, std::int64_t divisor) {
       bound += sign * (term.fromUpper ? range.upper : range.lower);
     }
   }
+  if (probe != nullptr) tellRounding(equation, divisor);
   keep(std::move(a), bound);
+}
+
+void CutFinder::tellRounding(const Equation& equation, std::int64_t divisor) const {
+  std::vector<Probe::Term> terms;
+  for (const Term& term : equation.terms) {
+    terms.push_back({term.index, term.isSlack, term.fromUpper, ZZ(term.c)});
+  }
+  probe->round(terms, ZZ(equation.r), ZZ(divisor));
 }
 
 namespace {
@@ -411,6 +424,7 @@ void CutFinder::cover(std::size_t item, bool upward) {
     a[choice.parameter] = choice.high ? choice.factor : -choice.factor;
     bound += a[choice.parameter] * (choice.high ? range.lower : range.upper);
   }
+  if (probe != nullptr) probe->cover(item, upward);
   keep(std::move(a), bound);
 }
 
@@ -457,7 +471,9 @@ void CutFinder::keep(std::vector<Int128> a, Int128 bound) {
   scored.cut.bound = static_cast<std::int64_t>(shortened);
   scored.score = (left - static_cast<double>(shortened)) / std::sqrt(norm);
   workDone += static_cast<std::int64_t>(4 * D);
-  if (scored.score > LEAST_SCORE) found.push_back(std::move(scored));
+  if (scored.score <= LEAST_SCORE) return;
+  if (probe != nullptr) probe->cut(scored.cut.a, scored.cut.bound, toZZ(divisor));
+  found.push_back(std::move(scored));
 }
 
 }  // namespace vexil::solver

@@ -10,6 +10,8 @@
 
 namespace vexil::solver {
 
+class Probe;
+
 /// sum a_k parameter_k <= bound, which holds for every integral point of the boxes.
 struct Cut {
   std::vector<std::int64_t> a;  ///< D
@@ -35,7 +37,7 @@ class CutFinder {
  public:
   /// All are kept by reference. The boxes are those of the root.
   CutFinder(const ItemSystem<std::int64_t>& itemSystem, const Boxes<std::int64_t>& rootBoxes,
-            const Dictionary& solvedProgram);
+            const Dictionary& solvedProgram, Probe* probe = nullptr);
 
   /// The best cuts for the present solution, most violated first, no two of them alike.
   [[nodiscard]] std::vector<Cut> find();
@@ -82,12 +84,14 @@ class CutFinder {
   [[nodiscard]] double violation(const Equation& equation, std::int64_t divisor) const;
   void complement(Equation& equation, Term& term) const;
   void addRounded(const Equation& equation, std::int64_t divisor);
+  void tellRounding(const Equation& equation, std::int64_t divisor) const;
   void cover(std::size_t item, bool upward);
   void keep(std::vector<Int128> a, Int128 bound);
 
   const ItemSystem<std::int64_t>& system;
   const Boxes<std::int64_t>& boxes;
   const Dictionary& dictionary;
+  Probe* probe;
   std::size_t D;
   std::vector<bool> namesParameter;  ///< R: the item is a coordinate plus a constant
   std::vector<double> point;         ///< D, the solution

@@ -78,6 +78,13 @@ class Dictionary {
   /// Counts work that the caller does on the rows.
   void addWork(std::int64_t work) { workDone += work; }
 
+  /// Lets a test change the numbers of all rows and items.
+  template <typename Change>
+  void disturb(const Change& change) {
+    for (double& number : table) change(number);
+    for (double& number : values) change(number);
+  }
+
   /// Distance from a bound up to which an item counts as within.
   [[nodiscard]] double tolerance(std::size_t item) const { return slack[item]; }
 

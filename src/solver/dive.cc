@@ -72,14 +72,9 @@ void Dive<Z>::run(Kind kind) {
 /// Rounds an item beyond its value; both ways narrow its bounds, wherever the value is.
 template <typename Z>
 bool Dive<Z>::take(const Step& step) {
-  const double value = relaxation.linearProgram().value(step.item);
-  const Z low = relaxation.lower(step.item);
-  const Z high = relaxation.upper(step.item);
-  Z below = std::clamp(nearestInteger<Z>(value), low, high);
-  if (toDouble(below) > value) below = below - Z(1);
-  below = std::clamp(below, low, high - Z(1));
-  return step.upward ? relaxation.raiseLower(step.item, below + Z(1))
-                     : relaxation.dropUpper(step.item, below);
+  const Z below = relaxation.roundedDown(step.item);
+  return step.upward ? relaxation.branch(step.item, below + Z(1), relaxation.upper(step.item))
+                     : relaxation.branch(step.item, relaxation.lower(step.item), below);
 }
 
 /// True if the present bounds leave something, and the linear program is solved.

@@ -14,6 +14,8 @@
 #include "reduction/bkz.h"
 #include "reduction/floating_lll.h"
 #include "solver/integers.h"
+#include "solver/probe.h"
+#include "solver/projection.h"
 #include "solver/ranges.h"
 
 namespace vexil::solver {
@@ -102,12 +104,12 @@ struct Level {
 template <typename Z>
 struct Enumeration<Z>::Implementation {
   Implementation(const FormSystem<Z>& forms, const CoordinateRanges<Z>& coordinateRanges,
-                 SearchState<Z>& searchState, StopToken& stopToken, Disturbance testDisturbance)
+                 SearchState<Z>& searchState, StopToken& stopToken)
       : system(forms),
         ranges(coordinateRanges),
         state(searchState),
         stop(stopToken),
-        disturbance(std::move(testDisturbance)),
+        probe(searchState.probe),
         d(forms.dimension) {
     for (std::size_t f = 0; f < system.count; ++f) {
       if (system.kind[f] == FormKind::Goal) goals.push_back(f);
@@ -115,6 +117,9 @@ struct Enumeration<Z>::Implementation {
     isLinear = std::any_of(system.objective.begin(), system.objective.end(),
                            [](const Z& c) { return signOf(c) != 0; });
     boundObjective();
+    if (probe != nullptr) {
+      probe->enumerate(forProbe(system), {inZZ(ranges.lower), inZZ(ranges.upper)});
+    }
     done = hasEmptyForm();
   }
 
@@ -320,7 +325,13 @@ struct Enumeration<Z>::Implementation {
     setTop(slice.top);
   }
 
-  /// Lowers the top of the slice in work.
+  void lowerTop(const Integer& value) {
+    slice.top = value;
+    setTop(value);
+    if (probe != nullptr) probe->lowerTop(value.zz());
+  }
+
+  /// Makes `value` the top of the slice in work.
   void setTop(const Integer& value) {
     scaled.set.up = static_cast<double>(static_cast<dbl_t>(objectiveScale) *
                                         (value * 2 - objectiveMiddle).toReal() / 2);
@@ -335,7 +346,7 @@ struct Enumeration<Z>::Implementation {
     if (!(isGiven || reduceSystem()) || !copyRanges()) return false;
     scaleForms();
     projection.emplace(scaled);
-    if (disturbance) disturbance(*projection);
+    if (probe != nullptr) probe->disturb(*projection);
     if (!projection->bound(scaled, greatest)) return false;
     w.assign((d + 1) * projection->stride, 0);
     std::copy(projection->across.begin(), projection->across.end(),
@@ -352,6 +363,10 @@ struct Enumeration<Z>::Implementation {
     descend();
     sliceNodes = 0;
     isOpen = true;
+    if (probe != nullptr) {
+      probe->openSlice(forProbe(system), {inZZ(ranges.lower), inZZ(ranges.upper)},
+                       slice.bottom.zz(), slice.top.zz());
+    }
     return true;
   }
 
@@ -390,6 +405,7 @@ struct Enumeration<Z>::Implementation {
       const bool isUp = above <= below;
       const double distance = isUp ? above : below;
       if (!(distance <= p.reach[at])) {
+        if (probe != nullptr) tellReach();
         if (++at == d) {
           isOpen = false;
           state.work += spent;
@@ -411,8 +427,13 @@ struct Enumeration<Z>::Implementation {
         if (level.down < lowest[at]) level.down = -INFINITE;
       }
       if (!admits(y)) {
-        if (distance >= p.least[at]) (isUp ? level.up : level.down) = isUp ? INFINITE : -INFINITE;
-      } else if (at > 0) {
+        const bool hidesSide = distance >= p.least[at];
+        if (probe != nullptr) tellCut(y, isUp, hidesSide);
+        if (hidesSide) (isUp ? level.up : level.down) = isUp ? INFINITE : -INFINITE;
+        continue;
+      }
+      if (probe != nullptr) probe->descend(at, inZZ(level.lambda));
+      if (at > 0) {
         descend();
       } else if (leaf()) {
         state.work += spent + cost;
@@ -434,6 +455,50 @@ struct Enumeration<Z>::Implementation {
         advance(here, here + p.stride, &p.bStar[at * p.stride], y, p.plain, p.stride);
     const double rest = p.plain == p.stride ? 0 : scaled.set.rest(here + p.plain);
     return level.norm - (support + rest) <= p.error[at];
+  }
+
+  // --- what a probe is told ---
+
+  static ZZ inZZ(double lambda) { return Integer::fromReal(lambda).zz(); }
+  static std::vector<ZZ> inZZ(const std::vector<Z>& numbers) {
+    return {numbers.begin(), numbers.end()};
+  }
+
+  /// What is left of a level is beyond its reach.
+  void tellReach() {
+    const Level& level = levels[at];
+    const double* const b = &projection->bStar[at * projection->stride];
+    if (level.up < INFINITE) tellExcluded(level.up, highest[at], b, 1);
+    if (level.down > -INFINITE) tellExcluded(lowest[at], level.down, b, -1);
+    probe->ascend(at);
+  }
+
+  /// The value just tried is none, or neither is any behind it.
+  void tellCut(double y, bool isUp, bool hidesSide) {
+    const Projection& p = *projection;
+    double* const here = &w[at * p.stride];
+    advance(here, here + p.stride, &p.bStar[at * p.stride], y, p.plain, p.stride);
+    const double value = levels[at].lambda;
+    tellExcluded(hidesSide && !isUp ? lowest[at] : value, hidesSide && isUp ? highest[at] : value,
+                 here, 1);
+  }
+
+  void tellExcluded(double from, double to, const double* vector, double sign) {
+    std::vector<double> weights(system.count + 1);
+    std::size_t plain = 0;
+    std::size_t goal = 0;
+    for (std::size_t f = 0; f < system.count; ++f) {
+      const bool isGoal = system.kind[f] == FormKind::Goal;
+      if (isGoal && !hasSlices()) continue;
+      weights[f] = isGoal ? vector[projection->plain + goal] / scaled.set.goals[goal].scale
+                          : vector[plain] * static_cast<double>(2 / span(f).toReal());
+      weights[f] *= sign;
+      ++(isGoal ? goal : plain);
+    }
+    if (scaled.set.hasObjective) {
+      weights.back() = sign * vector[projection->plain + goal] * objectiveScale;
+    }
+    probe->exclude(at, inZZ(from), inZZ(to), weights);
   }
 
   /// Judges the point of all coordinates in integers; true if the search is to look up.
@@ -459,8 +524,7 @@ struct Enumeration<Z>::Implementation {
     }
     if (state.offer(system, values)) found = true;
     if (hasSlices() && state.hasCut && integer(state.cut) < slice.top) {
-      slice.top = integer(state.cut);
-      setTop(slice.top);
+      lowerTop(integer(state.cut));
       return true;
     }
     return state.finished;
@@ -514,10 +578,7 @@ struct Enumeration<Z>::Implementation {
   void followState() {
     if (!hasSlices()) return;
     const Integer last = top();
-    if (last < slice.top) {
-      slice.top = last;
-      setTop(last);
-    }
+    if (last < slice.top) lowerTop(last);
     if (bottom() > slice.top) isOpen = false;
   }
 
@@ -560,7 +621,7 @@ struct Enumeration<Z>::Implementation {
   CoordinateRanges<Z> ranges;  ///< of its coordinates
   SearchState<Z>& state;
   StopToken& stop;
-  Disturbance disturbance;
+  Probe* probe;
   std::size_t d;
   bool isUsable = true;
   bool done = false;
@@ -599,8 +660,8 @@ struct Enumeration<Z>::Implementation {
 
 template <typename Z>
 Enumeration<Z>::Enumeration(const FormSystem<Z>& system, const CoordinateRanges<Z>& ranges,
-                            SearchState<Z>& state, StopToken& stop, Disturbance disturbance)
-    : m(std::make_unique<Implementation>(system, ranges, state, stop, std::move(disturbance))) {}
+                            SearchState<Z>& state, StopToken& stop)
+    : m(std::make_unique<Implementation>(system, ranges, state, stop)) {}
 
 template <typename Z>
 Enumeration<Z>::~Enumeration() = default;

@@ -2,11 +2,9 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 
 #include "solver/form_system.h"
-#include "solver/projection.h"
 #include "solver/search_state.h"
 #include "solver/stop.h"
 
@@ -24,12 +22,9 @@ namespace vexil::solver {
 template <typename Z>
 class Enumeration {
  public:
-  /// What tests do to the floating numbers before their errors are measured.
-  using Disturbance = std::function<void(Projection&)>;
-
   /// `ranges` are proved ranges of the coordinates of `system`.
   Enumeration(const FormSystem<Z>& system, const CoordinateRanges<Z>& ranges, SearchState<Z>& state,
-              StopToken& stop, Disturbance disturbance = {});
+              StopToken& stop);
   ~Enumeration();
   Enumeration(const Enumeration&) = delete;
   Enumeration& operator=(const Enumeration&) = delete;

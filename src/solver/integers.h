@@ -68,6 +68,12 @@ template <>
 template <>
 [[nodiscard]] ZZ nearestInteger<ZZ>(double a);
 
+/// The greatest integer up to `a`.
+[[nodiscard]] inline double roundedDown(double a) {
+  const double nearest = std::rint(a);
+  return nearest > a ? nearest - 1 : nearest;
+}
+
 /// -1, 0 or 1.
 template <typename Z>
 [[nodiscard]] int signOf(const Z& a) {

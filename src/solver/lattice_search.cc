@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "solver/coset.h"
+#include "solver/probe.h"
 #include "solver/ranges.h"
 
 namespace vexil::solver {
@@ -52,6 +53,7 @@ LatticeSearch<Z>::LatticeSearch(Model& searched, const LatticeBasis& latticeBasi
       forms(formSystem<Z>(searched, latticeBasis)),
       isBounded(!anyArtificial(searched)),
       earlierWork(searchProgress.work) {
+  this->probe = searchSettings.probe;
   if (forms.hasObjective) {
     const auto [divisor, constant] = objectiveCoset(forms);
     this->step = divisor;
@@ -74,6 +76,7 @@ void LatticeSearch<Z>::lowerCut() {
   } else {
     if (!incumbent.best()) return;
     greatest = wholeSigned(*incumbent.best() * QQ(model.scale)) - ZZ(1);
+    if (this->probe != nullptr) this->probe->takeBest(greatest + ZZ(1));
   }
   const ZZ offset = greatest - toZZ(this->residue);
   if (signOf(this->step) == 0) {
@@ -168,6 +171,13 @@ LatticeEnd LatticeSearch<Z>::run(bool mayNarrow) {
   Relaxation<Z> relaxation(forms, items, *this);
   throwIfStopped(*this);
   relaxation.linearProgram().heed(*this);
+  const LatticeEnd end = search(relaxation, mayNarrow);
+  if (this->probe != nullptr && end == LatticeEnd::Exhausted) this->probe->exhaust();
+  return end;
+}
+
+template <typename Z>
+LatticeEnd LatticeSearch<Z>::search(Relaxation<Z>& relaxation, bool mayNarrow) {
   enter("root");
   const NodeState root = tightenRoot(forms, relaxation, *this, *this);
   rootWork = relaxation.work();
@@ -177,7 +187,8 @@ LatticeEnd LatticeSearch<Z>::run(bool mayNarrow) {
     return LatticeEnd::Exhausted;
   }
   rootWork = relaxation.work();
-  if (items.objective != NONE) this->raiseBound(relaxation.lower(items.objective));
+  const std::size_t objective = relaxation.items().objective;
+  if (objective != NONE) this->raiseBound(relaxation.lower(objective));
   tree = std::make_unique<Tree<Z>>(forms, relaxation, *this, *this);
   const LatticeEnd end = searchRounds();
   report();

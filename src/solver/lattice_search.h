@@ -46,6 +46,7 @@ class LatticeSearch : public SearchState<Z>, public StopToken {
 
   void lowerCut();
   [[nodiscard]] bool exportSides(const Relaxation<Z>& relaxation);
+  [[nodiscard]] LatticeEnd search(Relaxation<Z>& relaxation, bool mayNarrow);
   [[nodiscard]] LatticeEnd searchRounds();
   [[nodiscard]] std::unique_ptr<Enumerator> makeEnumerator();
   void enter(const char* phase);

@@ -46,6 +46,7 @@ class Prover {
   /// Number of items of the combination; item(0) is that of `load`.
   [[nodiscard]] std::size_t size() const { return items.size(); }
   [[nodiscard]] std::size_t item(std::size_t i) const { return items[i]; }
+  [[nodiscard]] const Z& multiplier(std::size_t i) const { return multipliers[i]; }
 
   /// The proved bounds of item(i), from the boxes of the others. Only without a contradiction.
   [[nodiscard]] Z provedLower(std::size_t i) const;

@@ -74,6 +74,7 @@ template <typename Z>
 bool Propagation<Z>::look(std::size_t row) {
   findings.clear();
   const std::size_t item = itemOf[row];
+  last = item;
   W least = widen(system.offset[item]);
   W greatest = least;
   for (std::size_t e = begin[row]; e < begin[row + 1]; ++e) {

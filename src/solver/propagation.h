@@ -44,6 +44,9 @@ class Propagation {
     return true;
   }
 
+  /// The row that was looked at last.
+  [[nodiscard]] std::size_t lastItem() const { return last; }
+
   /// Multiplications so far.
   [[nodiscard]] std::int64_t work() const { return workDone; }
 
@@ -74,6 +77,7 @@ class Propagation {
   std::vector<bool> isDue;
   std::vector<std::size_t> due;
   std::vector<Finding> findings;
+  std::size_t last = NONE;
   std::int64_t workDone = 0;
 };
 

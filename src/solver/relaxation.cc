@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "solver/cuts.h"
+#include "solver/probe.h"
 
 namespace vexil::solver {
 namespace {
@@ -30,12 +31,40 @@ Relaxation<Z>::Relaxation(const FormSystem<Z>& formSystem, ItemSystem<Z>& itemSy
       formValues(formSystem.count) {
   for (std::size_t g = 0; g < system.goalForm.size(); ++g) goalOf[system.goalForm[g]] = g;
   if (system.objective != NONE) dictionary.keepBasic(system.objective);
+  if (state.probe == nullptr) return;
+  state.probe->takeCoset(toZZ(state.step), toZZ(state.residue));
+  tellItems();
+}
+
+template <typename Z>
+void Relaxation<Z>::tellItems() {
+  if (state.probe != nullptr) state.probe->takeItems(forProbe(system));
+}
+
+/// What the prover has loaded.
+template <typename Z>
+void Relaxation<Z>::tellLoaded() {
+  std::vector<Probe::Multiple> parts;
+  for (std::size_t i = 0; i < prover.size(); ++i) {
+    parts.push_back({prover.item(i), toZZ(prover.multiplier(i))});
+  }
+  state.probe->combine(parts);
+}
+
+/// An item less the coordinates that it is made of.
+template <typename Z>
+void Relaxation<Z>::tellRow(std::size_t item) {
+  std::vector<Probe::Multiple> parts{{item, 1}};
+  for (std::size_t k = 0; k < system.coordinates; ++k) {
+    parts.push_back({system.parameterItem[k], -toZZ(system.entry(item, k))});
+  }
+  state.probe->combine(parts);
 }
 
 template <typename Z>
 std::size_t Relaxation<Z>::addCuts() {
   if constexpr (std::is_same_v<Z, std::int64_t>) {
-    CutFinder finder(system, boxes, dictionary);
+    CutFinder finder(system, boxes, dictionary, state.probe);
     const std::vector<Cut> cuts = finder.find();
     dictionary.addWork(finder.work());
     for (const Cut& cut : cuts) {
@@ -48,6 +77,7 @@ std::size_t Relaxation<Z>::addCuts() {
     prover.adapt();
     propagation.adapt();
     trail.clear();
+    tellItems();
     return cuts.size();
   } else {
     return 0;
@@ -72,6 +102,7 @@ void Relaxation<Z>::retractCuts(std::size_t cuts) {
     setBound(item, true, boxes.lower[item]);
     setBound(item, false, boxes.upper[item]);
   }
+  tellItems();
 }
 
 template <typename Z>
@@ -94,6 +125,15 @@ void Relaxation<Z>::dropCuts() {
   system.removeCuts(gone);
   propagation.adapt();
   trail.clear();
+  tellItems();
+}
+
+template <typename Z>
+bool Relaxation<Z>::branch(std::size_t item, const Z& lower, const Z& upper) {
+  if (state.probe != nullptr) {
+    state.probe->suppose(trail.size(), item, toZZ(lower), toZZ(upper));
+  }
+  return raiseLower(item, lower) && dropUpper(item, upper);
 }
 
 template <typename Z>
@@ -151,6 +191,7 @@ bool Relaxation<Z>::moveGoalSides(std::size_t item) {
 
 template <typename Z>
 void Relaxation<Z>::undo(std::size_t mark) {
+  if (state.probe != nullptr) state.probe->undo(mark);
   propagation.forget();
   for (; trail.size() > mark; trail.pop_back()) {
     Move& move = trail.back();
@@ -163,6 +204,10 @@ NodeState Relaxation<Z>::followState() {
   const std::size_t item = system.objective;
   if (state.finished) return NodeState::Empty;
   if (item == NONE) return NodeState::Open;
+  if (state.probe != nullptr) {
+    if (state.hasCut) state.probe->takeCut(toZZ(state.cut));
+    if (state.hasBound) state.probe->takeBound(toZZ(state.bound));
+  }
   if (state.hasCut && !dropUpper(item, state.cut)) return NodeState::Empty;
   if (state.hasBound && !raiseLower(item, state.bound)) return NodeState::Empty;
   return NodeState::Open;
@@ -198,7 +243,11 @@ NodeState Relaxation<Z>::conclude(std::size_t item) {
   if (!prover.load(item, dictionary.row(item), others.data(), others.size())) {
     return NodeState::Open;
   }
-  if (prover.contradicts()) return NodeState::Empty;
+  if (state.probe != nullptr) tellLoaded();
+  if (prover.contradicts()) {
+    if (state.probe != nullptr) state.probe->concludeEmpty();
+    return NodeState::Empty;
+  }
   // The bounds follow from the boxes as they were; where one of them moves on the way, those of the
   // others come out weaker, not wrong.
   NodeState result = NodeState::Open;
@@ -208,6 +257,7 @@ NodeState Relaxation<Z>::conclude(std::size_t item) {
     const Z high = prover.provedUpper(i);
     if (!(low > boxes.lower[moved]) && !(high < boxes.upper[moved])) continue;
     result = NodeState::Moved;
+    if (state.probe != nullptr) state.probe->conclude(moved, toZZ(low), toZZ(high));
     if (!raiseLower(moved, low) || !dropUpper(moved, high)) return NodeState::Empty;
   }
   return result;
@@ -228,9 +278,30 @@ NodeState Relaxation<Z>::tighten() {
 
 template <typename Z>
 bool Relaxation<Z>::propagate() {
-  return propagation.run([&](std::size_t item, const Z& low, const Z& high) {
-    return raiseLower(item, low) && dropUpper(item, high);
+  if (state.probe == nullptr) {
+    return propagation.run([&](std::size_t item, const Z& low, const Z& high) {
+      return raiseLower(item, low) && dropUpper(item, high);
+    });
+  }
+  bool isKept = true;
+  const bool result = propagation.run([&](std::size_t item, const Z& low, const Z& high) {
+    tellRow(propagation.lastItem());
+    state.probe->conclude(item, toZZ(low), toZZ(high));
+    isKept = raiseLower(item, low) && dropUpper(item, high);
+    return isKept;
   });
+  if (!result && isKept) {
+    tellRow(propagation.lastItem());
+    state.probe->concludeEmpty();
+  }
+  return result;
+}
+
+template <typename Z>
+LpEnd Relaxation<Z>::solve(int limit) {
+  const LpEnd end = dictionary.solve(limit);
+  if (state.probe != nullptr) state.probe->disturb(dictionary);
+  return end;
 }
 
 template <typename Z>
@@ -239,7 +310,7 @@ NodeState Relaxation<Z>::examine(int rounds) {
   hasSolution = false;
   for (int round = 0;; ++round) {
     if (!forms.ordered && !propagate()) return NodeState::Empty;
-    const LpEnd end = dictionary.solve(limit);
+    const LpEnd end = solve(limit);
     if (end == LpEnd::Infeasible) {
       // What cannot be proved empty stays open, without a solution.
       const NodeState found = conclude(dictionary.failing());
@@ -257,7 +328,7 @@ NodeState Relaxation<Z>::examine(int rounds) {
 template <typename Z>
 std::optional<double> Relaxation<Z>::estimate(int pivots) {
   if (!propagate()) return std::nullopt;
-  const LpEnd end = dictionary.solve(pivots);
+  const LpEnd end = solve(pivots);
   const std::size_t objective = system.objective;
   const double value = dictionary.value(objective);
   const std::size_t row = end == LpEnd::Infeasible ? dictionary.failing() : objective;
@@ -271,7 +342,7 @@ std::optional<double> Relaxation<Z>::estimate(int pivots) {
 template <typename Z>
 bool Relaxation<Z>::resolve() {
   const int limit = PIVOTS_PER_COLUMN * static_cast<int>(dictionary.columns()) + PIVOTS_AT_LEAST;
-  hasSolution = dictionary.solve(limit) == LpEnd::Optimal;
+  hasSolution = solve(limit) == LpEnd::Optimal;
   return hasSolution;
 }
 
@@ -335,6 +406,15 @@ Z Relaxation<Z>::rounded(std::size_t item) const {
   if (!(value > toDouble(lower(item)))) return lower(item);
   if (!(value < toDouble(upper(item)))) return upper(item);
   return std::clamp(nearestInteger<Z>(value), lower(item), upper(item));
+}
+
+template <typename Z>
+Z Relaxation<Z>::roundedDown(std::size_t item) const {
+  const double value = dictionary.value(item);
+  const Z high = upper(item) - Z(1);
+  if (!(value > toDouble(lower(item)))) return lower(item);
+  if (!(value < toDouble(high))) return high;
+  return std::clamp(nearestInteger<Z>(vexil::solver::roundedDown(value)), lower(item), high);
 }
 
 template <typename Z>

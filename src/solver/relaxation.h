@@ -42,7 +42,9 @@ class Relaxation {
   [[nodiscard]] const Z& upper(std::size_t item) const { return boxes.upper[item]; }
   [[nodiscard]] bool isFixed(std::size_t item) const { return lower(item) == upper(item); }
 
-  /// Moves a bound inward, the caller having proved it or branching on it. False: nothing is left.
+  /// Leaves an item these values alone until `undo`. False: nothing is left.
+  [[nodiscard]] bool branch(std::size_t item, const Z& lower, const Z& upper);
+  /// Moves a bound inward, the caller having proved it. False: nothing is left.
   [[nodiscard]] bool raiseLower(std::size_t item, const Z& value);
   [[nodiscard]] bool dropUpper(std::size_t item, const Z& value);
 
@@ -80,6 +82,9 @@ class Relaxation {
 
   /// The value of an item in the last solution as an integer within its present bounds.
   [[nodiscard]] Z rounded(std::size_t item) const;
+  /// The integer at or below that value, such that it and its successor are within the bounds of
+  /// the item, which is not fixed.
+  [[nodiscard]] Z roundedDown(std::size_t item) const;
   /// Offers the point whose coordinates are those of the last solution, rounded. True if it was
   /// kept.
   bool offerSolution();
@@ -100,7 +105,11 @@ class Relaxation {
   void setBound(std::size_t item, bool isLower, const Z& value);
   [[nodiscard]] bool moveGoalSides(std::size_t item);
   [[nodiscard]] bool propagate();
+  void tellItems();
+  void tellLoaded();
+  void tellRow(std::size_t item);
   [[nodiscard]] NodeState drawConclusions();
+  [[nodiscard]] LpEnd solve(int limit);
   [[nodiscard]] bool holdsSolution() const;
   [[nodiscard]] bool promises(std::size_t item) const;
   [[nodiscard]] Z onCosetUpward(const Z& value) const;

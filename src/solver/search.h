@@ -25,6 +25,8 @@ enum class Status {
   Unknown      ///< stopped, or the claim is limited; there is no point
 };
 
+class Probe;
+
 /// What is wanted of a search. All counts that limit work count work, never time.
 struct Settings {
   bool tree = true;               ///< branch and bound takes part
@@ -35,6 +37,7 @@ struct Settings {
   std::int64_t wanted = 1;        ///< points wanted without targets or within the limits; 0: all
   std::optional<QQ> targetLimit;  ///< wanted points have a target norm up to this
   std::optional<QQ> slackLimit;   ///< wanted points have a slack norm up to this
+  Probe* probe = nullptr;         ///< of a test
 };
 
 /// Where a search stands.

@@ -10,6 +10,8 @@
 
 namespace vexil::solver {
 
+class Probe;
+
 /// The best point, the bound, and what is still wanted. All objective values are those of
 /// `FormSystem`. A search may give up every point whose objective value is not in [bound, cut]
 /// where these are set; both move inward only.
@@ -45,6 +47,8 @@ class SearchState {
   /// has the value `residue`; with goals step is the gcd over the linear part and the goals.
   Z step{};
   Z residue{};
+
+  Probe* probe = nullptr;  ///< of a test
 
   std::int64_t work = 0;  ///< counted work of both searches, about one multiplication each
 };

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "solver/dive.h"
+#include "solver/probe.h"
 
 namespace vexil::solver {
 namespace {
@@ -81,9 +82,7 @@ bool Tree<Z>::enterNextChild() {
   while (frame.next < frame.count) {
     const Child& child = frame.children[frame.next++];
     share = frame.share;
-    if (relaxation.raiseLower(item, child.lower) && relaxation.dropUpper(item, child.upper)) {
-      return true;
-    }
+    if (relaxation.branch(item, child.lower, child.upper)) return true;
     relaxation.undo(frame.trail);
     done += share;
   }
@@ -106,6 +105,7 @@ void Tree<Z>::processNode() {
   const std::size_t unfixed = lastUnfixed();
   if (unfixed == NONE) {
     relaxation.offerSolution();
+    if (state.probe != nullptr) state.probe->judge();
     close();
     return;
   }
@@ -140,7 +140,7 @@ void Tree<Z>::branch() {
   const Choice choice = forms.ordered ? chooseOrdered() : chooseLearned();
   if (choice.isNarrowed) return;
   if (choice.item != NONE) {
-    split(choice, floorOf(choice));
+    split(choice, relaxation.roundedDown(choice.item));
     return;
   }
   const bool lowered = relaxation.offerSolution();
@@ -196,7 +196,7 @@ double Tree<Z>::pseudoCost(std::size_t item, int side) const {
 /// What is known of the rise on both sides, as one number.
 template <typename Z>
 double Tree<Z>::score(const Choice& choice) const {
-  const double below = choice.value - std::floor(choice.value);
+  const double below = choice.value - roundedDown(choice.value);
   const double gainBelow = std::max(LEAST_GAIN, pseudoCost(choice.item, 0) * below);
   const double gainAbove = std::max(LEAST_GAIN, pseudoCost(choice.item, 1) * (1 - below));
   return gainBelow * gainAbove;
@@ -241,12 +241,12 @@ typename Tree<Z>::Choice Tree<Z>::chooseLearned() {
 template <typename Z>
 bool Tree<Z>::tryChildren(const Choice& choice, double objective) {
   const std::size_t item = choice.item;
-  const Z below = floorOf(choice);
-  const double distance = choice.value - std::floor(choice.value);
+  const Z below = relaxation.roundedDown(item);
+  const double distance = choice.value - roundedDown(choice.value);
   for (const int side : {0, 1}) {
     const std::size_t mark = relaxation.mark();
-    const bool isOpen =
-        side == 0 ? relaxation.dropUpper(item, below) : relaxation.raiseLower(item, below + Z(1));
+    const bool isOpen = side == 0 ? relaxation.branch(item, relaxation.lower(item), below)
+                                  : relaxation.branch(item, below + Z(1), relaxation.upper(item));
     const std::optional<double> estimate =
         isOpen ? relaxation.estimate(PIVOTS_OF_A_TRIAL) : std::nullopt;
     relaxation.undo(mark);
@@ -261,16 +261,6 @@ bool Tree<Z>::tryChildren(const Choice& choice, double objective) {
     ++cost.count[side];
   }
   return true;
-}
-
-/// The integer below the value of a choice, such that both sides are within the bounds.
-template <typename Z>
-Z Tree<Z>::floorOf(const Choice& choice) const {
-  Z low = relaxation.lower(choice.item);
-  Z high = relaxation.upper(choice.item) - Z(1);
-  if (!(choice.value > toDouble(low))) return low;
-  if (!(choice.value < toDouble(high))) return high;
-  return std::clamp(nearestInteger<Z>(std::floor(choice.value)), low, high);
 }
 
 /// The rise of the objective from the parent to this child.

@@ -74,7 +74,6 @@ class Tree {
   [[nodiscard]] Choice chooseLearned();
   [[nodiscard]] bool tryChildren(const Choice& choice, double objective);
   [[nodiscard]] double score(const Choice& choice) const;
-  [[nodiscard]] Z floorOf(const Choice& choice) const;
   [[nodiscard]] double pseudoCost(std::size_t item, int side) const;
   void split(const Choice& choice, const Z& below);
   void splitAround(std::size_t item, const Z& middle);
