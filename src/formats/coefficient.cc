@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <charconv>
 
+#include "foundation/string.h"
+
 namespace vexil::formats {
 
 namespace {
@@ -11,8 +13,6 @@ namespace {
 /// Decimal digits that every signed machine word holds.
 constexpr std::size_t WORD_DIGITS = 18;
 constexpr int GREATEST_EXPONENT = 9999;
-
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 std::size_t digitsAt(std::string_view text, std::size_t start) {
   std::size_t end = start;
@@ -195,5 +195,7 @@ std::optional<std::string> decimalText(const QQ& value) {
   }
   return text;
 }
+
+std::string decimalText(const Coefficient& value) { return *decimalText(value.value()); }
 
 }  // namespace vexil::formats

@@ -78,4 +78,7 @@ struct StatedBound {
 /// The decimal expansion of a finite number, as in "-0.125"; nothing where it does not end.
 [[nodiscard]] std::optional<std::string> decimalText(const QQ& value);
 
+/// The same of a number whose expansion is known to end.
+[[nodiscard]] std::string decimalText(const Coefficient& value);
+
 }  // namespace vexil::formats

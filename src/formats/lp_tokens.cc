@@ -6,6 +6,7 @@
 
 #include "formats/coefficient.h"
 #include "formats/remarks.h"
+#include "foundation/string.h"
 
 namespace vexil::formats {
 
@@ -56,8 +57,6 @@ constexpr std::array<SectionWord, 34> SECTION_WORDS = {{
 
 constexpr std::string_view BLANKS = " \t\r\f\v";
 constexpr std::string_view NAME_MARKS = "!\"#$%&(),.;?@_`'{}~|/";
-
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 bool isNameChar(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || isDigit(c) ||

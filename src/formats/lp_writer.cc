@@ -26,8 +26,6 @@ class LpText {
   std::string text_;
 };
 
-std::string number(const Coefficient& value) { return *decimalText(value.value()); }
-
 std::string LpText::make() {
   for (const std::string& remark : model_.remarks) text_ += "\\ vexil: " + remark + '\n';
   const NamedTarget& objective = model_.targets.front();
@@ -75,7 +73,7 @@ void LpText::appendForm(std::string_view name, const Form& form) {
   text_ += joined(' ', name, ':');
   for (const Term& term : form) {
     const bool negative = term.factor.isNegative();
-    const std::string factor = number(negative ? -term.factor : term.factor);
+    const std::string factor = decimalText(negative ? -term.factor : term.factor);
     const std::string& variable = model_.variables[static_cast<std::size_t>(term.variable)].name;
     const std::string piece = joined(negative ? " - " : " + ", factor, ' ', variable);
     if (text_.size() - lineStart + piece.size() > LINE_WIDTH) {
@@ -89,19 +87,19 @@ void LpText::appendForm(std::string_view name, const Form& form) {
 void LpText::appendRow(const NamedRow& row) {
   appendForm(row.name, row.form.empty() ? Form{{0, 0}} : row.form);
   const std::string_view relation = row.isEquation() ? " = " : row.lower ? " >= " : " <= ";
-  text_ += joined(relation, number(row.lower ? *row.lower : *row.upper), '\n');
+  text_ += joined(relation, decimalText(row.lower ? *row.lower : *row.upper), '\n');
 }
 
 void LpText::appendBounds(const NamedVariable& x) {
   if (!x.lower && !x.upper) {
     text_ += joined(' ', x.name, " free\n");
   } else if (x.lower && x.upper && *x.lower == *x.upper) {
-    text_ += joined(' ', x.name, " = ", number(*x.lower), '\n');
+    text_ += joined(' ', x.name, " = ", decimalText(*x.lower), '\n');
   } else if (x.upper) {
-    const std::string lower = x.lower ? number(*x.lower) : "-inf";
-    text_ += joined(' ', lower, " <= ", x.name, " <= ", number(*x.upper), '\n');
+    const std::string lower = x.lower ? decimalText(*x.lower) : "-inf";
+    text_ += joined(' ', lower, " <= ", x.name, " <= ", decimalText(*x.upper), '\n');
   } else if (!x.lower->isZero()) {
-    text_ += joined(' ', x.name, " >= ", number(*x.lower), '\n');
+    text_ += joined(' ', x.name, " >= ", decimalText(*x.lower), '\n');
   }
 }
 

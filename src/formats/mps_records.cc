@@ -5,18 +5,13 @@
 
 #include "formats/coefficient.h"
 #include "formats/remarks.h"
+#include "foundation/string.h"
 
 namespace vexil::formats {
 
 namespace {
 
-constexpr std::string_view BLANKS = " \t\r";
-
-std::string_view trimmed(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(BLANKS);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(BLANKS) - first + 1);
-}
+constexpr std::string_view BETWEEN_FIELDS = " \t\r";
 
 /// First column, from 0, and width of each field of the fixed form.
 struct Field {
@@ -35,11 +30,12 @@ std::optional<Columns> fieldsOf(std::string_view line) {
   std::size_t end = 0;
   for (std::size_t i = 0; i < FIELDS.size(); ++i) {
     const auto [start, width] = FIELDS[i];
-    if (!trimmed(line.substr(std::min(end, line.size()), start - end)).empty()) return std::nullopt;
+    const std::string_view gap = line.substr(std::min(end, line.size()), start - end);
+    if (!trimmed(gap, BETWEEN_FIELDS).empty()) return std::nullopt;
     end = start + width;
-    if (start < line.size()) columns[i] = trimmed(line.substr(start, width));
+    if (start < line.size()) columns[i] = trimmed(line.substr(start, width), BETWEEN_FIELDS);
   }
-  if (line.size() > end && !trimmed(line.substr(end)).empty()) return std::nullopt;
+  if (line.size() > end && !trimmed(line.substr(end), BETWEEN_FIELDS).empty()) return std::nullopt;
   return columns;
 }
 
@@ -80,9 +76,9 @@ bool MpsRecords::keepsFixedColumns() {
   bool found = false;
   std::string_view section;
   for (std::string_view line; nextLine(line);) {
-    if (line.starts_with('*') || trimmed(line).empty()) continue;
+    if (line.starts_with('*') || trimmed(line, BETWEEN_FIELDS).empty()) continue;
     if (line.front() != ' ') {
-      section = trimmed(line.substr(0, line.find(' ')));
+      section = trimmed(line.substr(0, line.find(' ')), BETWEEN_FIELDS);
       if (section == "ENDATA") break;
       continue;
     }
@@ -101,7 +97,7 @@ bool MpsRecords::next() {
       continue;
     }
     size_ = 0;
-    header_ = !line_.empty() && BLANKS.find(line_.front()) == std::string_view::npos;
+    header_ = !line_.empty() && BETWEEN_FIELDS.find(line_.front()) == std::string_view::npos;
     if (fixed_ && !header_ && !isMarker(line_)) {
       splitAtColumns(line_);
     } else {
@@ -113,11 +109,11 @@ bool MpsRecords::next() {
 }
 
 void MpsRecords::splitAtBlanks(std::string_view line) {
-  std::size_t start = line.find_first_not_of(BLANKS);
+  std::size_t start = line.find_first_not_of(BETWEEN_FIELDS);
   while (start != std::string_view::npos) {
-    const std::size_t end = std::min(line.find_first_of(BLANKS, start), line.size());
+    const std::size_t end = std::min(line.find_first_of(BETWEEN_FIELDS, start), line.size());
     append(line.substr(start, end - start));
-    start = line.find_first_not_of(BLANKS, end);
+    start = line.find_first_not_of(BETWEEN_FIELDS, end);
   }
 }
 

@@ -13,8 +13,6 @@ bool isMpsName(std::string_view name) {
          name.front() != '$' && name.front() != '*' && name != "'MARKER'";
 }
 
-std::string number(const Coefficient& value) { return *decimalText(value.value()); }
-
 class MpsText {
  public:
   explicit MpsText(const NamedModel& model) : model_(model) {}
@@ -80,7 +78,7 @@ void MpsText::appendColumns() {
     integer = x.integer;
     if (columns[j].empty()) columns[j].push_back({&objective.name, &zero});
     for (const Entry& entry : columns[j]) {
-      text_ += joined(' ', x.name, ' ', *entry.row, ' ', number(*entry.factor), '\n');
+      text_ += joined(' ', x.name, ' ', *entry.row, ' ', decimalText(*entry.factor), '\n');
     }
   }
   if (integer) appendMarker(false);
@@ -94,12 +92,12 @@ void MpsText::appendSides() {
   text_ += "RHS\n";
   for (const NamedRow& row : model_.rows) {
     const Coefficient& side = row.lower ? *row.lower : *row.upper;
-    if (!side.isZero()) text_ += joined(" RHS ", row.name, ' ', number(side), '\n');
+    if (!side.isZero()) text_ += joined(" RHS ", row.name, ' ', decimalText(side), '\n');
   }
   text_ += "RANGES\n";
   for (const NamedRow& row : model_.rows) {
     if (!isRange(row)) continue;
-    text_ += joined(" RNG ", row.name, ' ', number(*row.upper + -*row.lower), '\n');
+    text_ += joined(" RNG ", row.name, ' ', decimalText(*row.upper + -*row.lower), '\n');
   }
 }
 
@@ -122,7 +120,7 @@ void MpsText::appendBounds(const NamedVariable& x) {
 
 void MpsText::appendBound(std::string_view type, const NamedVariable& x, const Bound& value) {
   text_ += joined(' ', type, " BND ", x.name);
-  if (value) text_ += ' ' + number(*value);
+  if (value) text_ += ' ' + decimalText(*value);
   text_ += '\n';
 }
 

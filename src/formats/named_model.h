@@ -21,6 +21,10 @@ struct Term {
 
 using Form = std::vector<Term>;  ///< a sum with at most one term for a variable
 
+inline void multiply(Form& form, const Coefficient& factor) {
+  for (Term& term : form) term.factor = term.factor * factor;
+}
+
 struct NamedVariable {
   std::string name;
   Bound lower = Coefficient(0);

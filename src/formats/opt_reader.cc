@@ -2,6 +2,7 @@
 #include "formats/opt_reader.h"
 
 #include "foundation/file_text.h"
+#include "foundation/string.h"
 #include "numbers/strict_number.h"
 #include "program/vexil.h"
 
@@ -10,12 +11,6 @@ namespace vexil::formats {
 namespace {
 
 constexpr std::int64_t MOST_DECIMALS = 9999;
-
-std::string_view trimmed(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(WHITE_SPACE);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(WHITE_SPACE) - first + 1);
-}
 
 Bound finitePart(const QQ& value) { return value.isInf ? Bound() : Bound(std::in_place, value); }
 

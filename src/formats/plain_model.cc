@@ -31,10 +31,6 @@ class Denominator {
   ZZ value_ = 1;
 };
 
-void multiply(Form& form, const Coefficient& factor) {
-  for (Term& term : form) term.factor = term.factor * factor;
-}
-
 void multiply(Bound& bound, const Coefficient& factor) {
   if (bound) bound = *bound * factor;
 }

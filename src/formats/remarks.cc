@@ -22,10 +22,6 @@ std::string_view takeWord(std::string_view& text) {
   return word;
 }
 
-void multiply(Form& form, const Coefficient& factor) {
-  for (Term& term : form) term.factor = term.factor * factor;
-}
-
 /// Where a variable occurs in the rows.
 struct Occurrence {
   std::int32_t row = -1;

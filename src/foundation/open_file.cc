@@ -4,6 +4,10 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstring>
+
+#include "foundation/exceptions.h"
+#include "foundation/failure.h"
 
 namespace vexil {
 
@@ -19,6 +23,11 @@ bool OpenFile::write(std::string_view text) const {
 bool OpenFile::close() {
   const int descriptor = std::exchange(descriptor_, -1);
   return descriptor < 0 || ::close(descriptor) == 0 || errno == EINTR;
+}
+
+void throwWriteFailure(const String& path, const char* what) {
+  const int reason = errno;
+  throw WriteException(joined(path, ": ", what, ": ", std::strerror(reason)));
 }
 
 }  // namespace vexil

@@ -4,6 +4,8 @@
 #include <string_view>
 #include <utility>
 
+#include "foundation/string.h"
+
 namespace vexil {
 
 /// A file descriptor of the system, which is closed in the end. Where an operation fails, `errno`
@@ -32,5 +34,8 @@ class OpenFile {
  private:
   int descriptor_ = -1;
 };
+
+/// Throws the `WriteException` "path: what: reason" with the reason that the system gave last.
+[[noreturn]] void throwWriteFailure(const String& path, const char* what);
 
 }  // namespace vexil

@@ -36,6 +36,11 @@ String String::trimLeft(const char* chars) const {
 
 String String::trim(const char* chars) const { return trimLeft(chars).trimRight(chars); }
 
+std::string_view trimmed(std::string_view text, std::string_view chars) {
+  const std::size_t first = std::min(text.find_first_not_of(chars), text.size());
+  return text.substr(first, text.find_last_not_of(chars) + 1 - first);
+}
+
 bool String::endsWith(const String& suffix) const {
   return size() >= suffix.size() && compare(size() - suffix.size(), npos, suffix) == 0;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace vexil {
@@ -45,5 +46,11 @@ class String : public std::string {
 
 /// All white space: what is trimmed from the fields of a star and from an option line.
 inline constexpr const char* WHITE_SPACE = " \t\n\r\f\v";
+
+/// The part of a text that `String::trim` would copy.
+[[nodiscard]] std::string_view trimmed(std::string_view text, std::string_view chars = WHITE_SPACE);
+
+/// A decimal digit, whatever the locale.
+[[nodiscard]] constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 }  // namespace vexil

@@ -49,7 +49,7 @@ const Meaning* meaningOf(const String& key) {
 enum class Kind : std::uint8_t { FLAG, WHOLE, COUNT, REAL, NORM };
 
 /// A word of the option table with the text of its value.
-struct Word {
+struct OptionWord {
   String key;
   Kind kind;
   String value;
@@ -62,8 +62,8 @@ constexpr Kind KIND = std::is_same_v<V, bool>            ? Kind::FLAG
                                                          : Kind::REAL;
 
 /// The table with its defaults.
-std::vector<Word> defaultWords() {
-  std::vector<Word> words;
+std::vector<OptionWord> defaultWords() {
+  std::vector<OptionWord> words;
   forEachOption([&](const auto& option) {
     words.push_back({option.key, KIND<decltype(option.initial)>, joined(option.initial)});
   });
@@ -72,19 +72,19 @@ std::vector<Word> defaultWords() {
   return words;
 }
 
-Word& find(std::vector<Word>& words, const String& key) {
-  const auto found =
-      std::find_if(words.begin(), words.end(), [&](const Word& word) { return word.key == key; });
+OptionWord& find(std::vector<OptionWord>& words, const String& key) {
+  const auto found = std::find_if(words.begin(), words.end(),
+                                  [&](const OptionWord& word) { return word.key == key; });
   if (found == words.end()) throw UsageException(joined("--", key, " is no option"));
   return *found;
 }
 
-[[noreturn]] void refuse(const Word& word, const String& value, const String& wanted) {
+[[noreturn]] void refuse(const OptionWord& word, const String& value, const String& wanted) {
   throw UsageException(joined("--", word.key, "=", value, ": ", wanted));
 }
 
 template <typename Number>
-String wholeText(const Word& word, const String& value, Number least, Number most) {
+String wholeText(const OptionWord& word, const String& value, Number least, Number most) {
   Number number{};
   const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), number);
   if (error == std::errc::result_out_of_range) refuse(word, value, "the number is out of range");
@@ -96,7 +96,7 @@ String wholeText(const Word& word, const String& value, Number least, Number mos
   return std::to_string(number);
 }
 
-String numberText(const Word& word, const String& value) {
+String numberText(const OptionWord& word, const String& value) {
   const bool inOnePiece = value.find_first_of(WHITE_SPACE) == String::npos;
   const auto number = inOnePiece ? strictNumber(value) : std::nullopt;
   if (!number) refuse(word, value, "not a number");
@@ -108,7 +108,7 @@ String numberText(const Word& word, const String& value) {
 }
 
 /// The text that stands for `value` in the option line.
-String checkedText(const Word& word, const String& value) {
+String checkedText(const OptionWord& word, const String& value) {
   const Meaning* const meaning = meaningOf(word.key);
   switch (word.kind) {
     case Kind::FLAG:
@@ -128,10 +128,10 @@ String checkedText(const Word& word, const String& value) {
 }
 
 /// Takes over "--key=value".
-void takeWord(const std::string& word, std::vector<Word>& words, SolveOptions& options) {
+void takeWord(const std::string& word, std::vector<OptionWord>& words, SolveOptions& options) {
   const std::size_t equals = word.find('=');
   const String key = word.substr(2, equals == std::string::npos ? equals : equals - 2);
-  Word& option = find(words, key);
+  OptionWord& option = find(words, key);
   if (equals == std::string::npos) {
     throw UsageException(joined(word, ": the value is missing, as in ", word, "=", option.value));
   }
@@ -151,15 +151,15 @@ void takeFile(const std::string& word, SolveOptions& options) {
   options.file = word;
 }
 
-String lineOf(const std::vector<Word>& words) {
+String lineOf(const std::vector<OptionWord>& words) {
   String line;
-  for (const Word& word : words)
+  for (const OptionWord& word : words)
     line += (line.empty() ? "--" : " --") + word.key + "=" + word.value;
   return line;
 }
 
 /// The typed values of the words that count.
-void takeValues(std::vector<Word>& words, SolveOptions& options) {
+void takeValues(std::vector<OptionWord>& words, SolveOptions& options) {
   const auto whole = [&](const char* key) { return std::stoll(find(words, key).value); };
   const auto norm = [&](const char* key, const QQ& unset) {
     const QQ number(find(words, key).value);
@@ -182,7 +182,7 @@ void takeValues(std::vector<Word>& words, SolveOptions& options) {
 SolveOptions parseSolveOptions(const std::vector<std::string>& words) {
   using Action = SolveOptions::Action;
   SolveOptions options;
-  std::vector<Word> table = defaultWords();
+  std::vector<OptionWord> table = defaultWords();
   bool areOptions = true;
   for (const std::string& word : words) {
     if (areOptions && word == "--") {
@@ -220,7 +220,7 @@ String solveHelpText() {
              "all that it\nfinds in model.sol. What it claims is proved in exact numbers.\n\n");
   constexpr std::size_t WIDTH = 16;
   String idle;
-  for (const Word& word : defaultWords()) {
+  for (const OptionWord& word : defaultWords()) {
     const Meaning* const meaning = meaningOf(word.key);
     if (meaning == nullptr) {
       idle += " " + word.key;

@@ -8,14 +8,13 @@
 #include <vector>
 
 #include "foundation/failure.h"
+#include "foundation/string.h"
 #include "foundation/text_streams.h"
 #include "numbers/qq_parts.h"
 
 namespace vexil {
 
 namespace {
-
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 bool isNumberCharacter(char c) {
   // "+" to ":" are the digits and "+", ",", "-", ".", "/", ":".

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "foundation/string.h"
+
 namespace vexil {
 
 namespace {
@@ -10,8 +12,6 @@ namespace {
 using Text = std::string_view;
 
 constexpr std::size_t EXPONENT_DIGITS = 4;
-
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 bool areDigits(Text text) { return std::all_of(text.begin(), text.end(), isDigit); }
 

@@ -1,14 +1,13 @@
 // Vexil - exact integer optimization on lattices.
 #include <algorithm>
 
+#include "foundation/string.h"
 #include "numbers/zz.h"
 #include "numbers/zz_words.h"
 
 namespace vexil {
 
 namespace {
-
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 /// The digits alone; `storage` holds them where something had to be dropped.
 std::string_view digitsOf(std::string_view text, std::string& storage) {

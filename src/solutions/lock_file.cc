@@ -7,7 +7,6 @@
 
 #include <array>
 #include <cerrno>
-#include <cstring>
 
 #include "foundation/exceptions.h"
 #include "foundation/failure.h"
@@ -18,11 +17,6 @@ namespace {
 
 /// How the text of a lock file begins.
 constexpr const char* HOLDER = "vexil-solve, process ";
-
-[[noreturn]] void refuse(const String& name, const char* what) {
-  const int reason = errno;
-  throw WriteException(joined(name, ": ", what, ": ", std::strerror(reason)));
-}
 
 String thisProcess() {
   std::array<char, 256> host{};
@@ -50,7 +44,7 @@ LockFile::LockFile(const String& path) : name_(path + ".lock") {
   const int reason = errno;
   unlink(name_.c_str());
   errno = reason;
-  refuse(name_, "cannot be written");
+  throwWriteFailure(name_, "cannot be written");
 }
 
 LockFile::~LockFile() {
@@ -61,7 +55,7 @@ void LockFile::openFile() {
   constexpr mode_t ANYBODY = 0666;
   file_ = OpenFile(
       open(name_.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, ANYBODY));
-  if (!file_.isOpen()) refuse(name_, "cannot be made");
+  if (!file_.isOpen()) throwWriteFailure(name_, "cannot be made");
   struct stat status {};
   const bool regular = fstat(file_.descriptor(), &status) == 0 && S_ISREG(status.st_mode);
   if (!regular || !(status.st_size == 0 || content().starts_with(HOLDER))) {
@@ -83,7 +77,7 @@ void LockFile::lock(const String& path) {
     const int reason = errno;
     unlink(name_.c_str());
     errno = reason;
-    refuse(name_, "cannot be locked");
+    throwWriteFailure(name_, "cannot be locked");
   }
   String holder = content();
   if (holder.empty()) {  // it has not said yet who it is

@@ -8,7 +8,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 
 #include "foundation/exceptions.h"
@@ -22,16 +21,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-[[noreturn]] void refuse(const String& path, const char* what) {
-  const int reason = errno;
-  throw WriteException(joined(path, ": ", what, ": ", std::strerror(reason)));
-}
-
 /// Who may do what with a file; nothing if there is none.
 std::optional<struct stat> statusOf(const String& path) {
   struct stat status {};
   if (stat(path.c_str(), &status) == 0) return status;
-  if (errno != ENOENT) refuse(path, "cannot be looked at");
+  if (errno != ENOENT) throwWriteFailure(path, "cannot be looked at");
   return std::nullopt;
 }
 
@@ -55,7 +49,7 @@ class Draft {
     constexpr mode_t OWNER = 0600;
     file_ = OpenFile(
         open(name_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, old ? OWNER : ANYBODY));
-    if (!file_.isOpen()) refuse(name_, "cannot be made");
+    if (!file_.isOpen()) throwWriteFailure(name_, "cannot be made");
     if (old) takeOver(*old);
   }
   Draft(const Draft&) = delete;
@@ -65,9 +59,10 @@ class Draft {
   }
 
   void write(std::string_view text) {
-    if (!file_.write(text)) refuse(name_, "cannot be written");
-    if (fsync(file_.descriptor()) != 0 && errno != EINVAL) refuse(name_, "cannot be flushed");
-    if (!file_.close()) refuse(name_, "cannot be written");
+    if (!file_.write(text)) throwWriteFailure(name_, "cannot be written");
+    if (fsync(file_.descriptor()) != 0 && errno != EINVAL)
+      throwWriteFailure(name_, "cannot be flushed");
+    if (!file_.close()) throwWriteFailure(name_, "cannot be written");
   }
 
   /// Gives the draft a second name that nothing has yet; false if something has. A file system
@@ -75,14 +70,16 @@ class Draft {
   [[nodiscard]] bool linkTo(const String& path) {
     if (link(name_.c_str(), path.c_str()) == 0) return true;
     if (errno == EEXIST) return false;
-    if (errno != EPERM && errno != EMLINK && errno != ENOTSUP) refuse(path, "cannot be made");
+    if (errno != EPERM && errno != EMLINK && errno != ENOTSUP)
+      throwWriteFailure(path, "cannot be made");
     if (statusOf(path)) return false;
     renameTo(path);
     return true;
   }
 
   void renameTo(const String& path) {
-    if (std::rename(name_.c_str(), path.c_str()) != 0) refuse(path, "cannot be replaced");
+    if (std::rename(name_.c_str(), path.c_str()) != 0)
+      throwWriteFailure(path, "cannot be replaced");
     name_.clear();
   }
 
@@ -98,7 +95,8 @@ class Draft {
     constexpr mode_t MODE_BITS = 07777;
     static_cast<void>(fchown(file_.descriptor(), old.st_uid, old.st_gid) != 0 &&
                       fchown(file_.descriptor(), static_cast<uid_t>(-1), old.st_gid) != 0);
-    if (fchmod(file_.descriptor(), old.st_mode & MODE_BITS) != 0) refuse(name_, "cannot be made");
+    if (fchmod(file_.descriptor(), old.st_mode & MODE_BITS) != 0)
+      throwWriteFailure(name_, "cannot be made");
   }
 
   String name_;  ///< empty once it is renamed
@@ -112,12 +110,13 @@ String secondName(const String& path) {
     if (link(path.c_str(), name.c_str()) == 0) return name;
     if (errno == EEXIST) continue;
     // A file system without links: a copy, which nothing replaces either.
-    if (errno != EPERM && errno != EMLINK && errno != ENOTSUP) refuse(name, "cannot be made");
+    if (errno != EPERM && errno != EMLINK && errno != ENOTSUP)
+      throwWriteFailure(name, "cannot be made");
     std::error_code error;
     if (fs::exists(fs::symlink_status(name.c_str(), error))) continue;
     if (fs::copy_file(path.c_str(), name.c_str(), error)) return name;
     errno = error.value();
-    refuse(name, "cannot be made");
+    throwWriteFailure(name, "cannot be made");
   }
 }
 
@@ -146,13 +145,13 @@ String resolvedPath(const String& path) {
 std::optional<std::string> readWholeFile(const String& path) {
   if (!regularFile(path)) return std::nullopt;
   auto text = readFileText(path);
-  if (!text) refuse(path, "cannot be read");
+  if (!text) throwWriteFailure(path, "cannot be read");
   return text;
 }
 
 void checkReplaceable(const String& path) {
   const auto old = regularFile(path);
-  if (old && access(path.c_str(), W_OK) != 0) refuse(path, "cannot be written");
+  if (old && access(path.c_str(), W_OK) != 0) throwWriteFailure(path, "cannot be written");
   const Draft draft(path, old);
 }
 
@@ -184,7 +183,7 @@ bool putFile(const String& path, std::string_view text, bool replace) {
 
 String setFileAside(const String& path) {
   String kept = secondName(path);
-  if (unlink(path.c_str()) != 0) refuse(path, "cannot be removed");
+  if (unlink(path.c_str()) != 0) throwWriteFailure(path, "cannot be removed");
   flushFolder(path);
   return kept;
 }

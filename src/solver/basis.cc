@@ -94,7 +94,7 @@ Integer middle(const Form& form) {
   return floorQuotient(Integer(form.lower.value) + Integer(form.upper.value), 2);
 }
 
-void widen(Integer& reach, const Integer& value) { reach = std::max(reach, abs(value)); }
+void extend(Integer& reach, const Integer& value) { reach = std::max(reach, abs(value)); }
 
 Integer reach(const Side& lower, const Side& upper) {
   return std::max(abs(Integer(lower.value)), abs(Integer(upper.value)));
@@ -127,7 +127,7 @@ class SystemBuilder {
     Integer result = objectiveReach();
     for (const auto* const numbers :
          {&system_.matrix, &system_.offset, &system_.lower, &system_.upper, &system_.objective}) {
-      for (const Integer& number : *numbers) widen(result, number);
+      for (const Integer& number : *numbers) extend(result, number);
     }
     return result;
   }

@@ -16,7 +16,7 @@ constexpr int REFACTOR_INTERVAL = 120;
 constexpr int PIVOTS_BEFORE_PERTURBATION = 300;
 constexpr double PERTURBATION = 1e-6;
 constexpr std::size_t UNROLL = 4;
-constexpr std::int64_t WORK_BETWEEN_STOPS = 4'000'000;
+constexpr std::int64_t WORK_BETWEEN_QUESTIONS = 4'000'000;
 
 /// 1 + the sum of the squares, in four interleaved sums.
 double squaredNorm(const double* a, std::size_t stride) {
@@ -420,7 +420,7 @@ void Dictionary::pivot(std::size_t item, std::size_t column) {
   ++pivotsSinceRefactor;
   workDone += static_cast<std::int64_t>(R + D);
   if (stop == nullptr || workDone < nextQuestion) return;
-  nextQuestion = workDone + WORK_BETWEEN_STOPS;
+  nextQuestion = workDone + WORK_BETWEEN_QUESTIONS;
   throwIfStopped(*stop);
 }
 

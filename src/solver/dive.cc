@@ -7,7 +7,6 @@
 namespace vexil::solver {
 namespace {
 
-constexpr double INTEGRAL = 1e-6;
 constexpr int MOST_TURNS = 6;
 
 }  // namespace

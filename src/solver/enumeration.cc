@@ -81,28 +81,28 @@ double advance(double* __restrict w, const double* __restrict above, const doubl
   return (part[0] + part[2]) + (part[1] + part[3]);
 }
 
-/// The values of the objective that a slice covers.
-struct Slice {
-  Integer bottom;
-  Integer top;
-};
-
-/// A coordinate on the way: the values next to be tried on both sides of the centre, in the order
-/// of their distance. An infinite one: that side is done.
-struct Level {
-  double lambda = 0;
-  double center = 0;  ///< y = lambda + center
-  double up = INFINITE;
-  double down = -INFINITE;
-  double norm = 0;  ///< N of projection.h
-  double tried = 0;
-  std::size_t changed = 0;  ///< the highest coordinate that its sums do not know yet
-};
-
 }  // namespace
 
 template <typename Z>
 struct Enumeration<Z>::Implementation {
+  /// The values of the objective that a slice covers.
+  struct Slice {
+    Integer bottom;
+    Integer top;
+  };
+
+  /// A coordinate on the way: the values next to be tried on both sides of the centre, in the order
+  /// of their distance. An infinite one: that side is done.
+  struct Level {
+    double lambda = 0;
+    double center = 0;  ///< y = lambda + center
+    double up = INFINITE;
+    double down = -INFINITE;
+    double norm = 0;  ///< N of projection.h
+    double tried = 0;
+    std::size_t changed = 0;  ///< the highest coordinate that its sums do not know yet
+  };
+
   Implementation(const FormSystem<Z>& forms, const CoordinateRanges<Z>& coordinateRanges,
                  SearchState<Z>& searchState, StopToken& stopToken)
       : system(forms),

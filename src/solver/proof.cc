@@ -18,7 +18,7 @@ int bitLength(double a) {
   return bits;
 }
 
-double powerOfTwo(int exponent) {
+double realPowerOfTwo(int exponent) {
   double power = 1;
   for (; exponent > 0; --exponent) power *= 2;
   return power;
@@ -74,7 +74,7 @@ Prover<Z>::Prover(const ItemSystem<Z>& itemSystem, const Boxes<Z>& currentBoxes)
 template <typename Z>
 void Prover<Z>::adapt() {
   const int bits = multiplierBits(system);
-  greatestMultiplier = powerOfTwo(bits);
+  greatestMultiplier = realPowerOfTwo(bits);
   sumsFit = allSumsFit(system, bits);
 }
 

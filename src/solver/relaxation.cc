@@ -10,7 +10,6 @@
 namespace vexil::solver {
 namespace {
 
-constexpr double NEARLY_INTEGRAL = 1e-6;
 constexpr int PIVOTS_PER_COLUMN = 4;
 constexpr int PIVOTS_AT_LEAST = 100;
 
@@ -227,10 +226,10 @@ bool Relaxation<Z>::promises(std::size_t item) const {
   const double below = greatest - low;
   const double width = high - low;
   if (above < 0 || below < 0) return true;
-  double widest = width - NEARLY_INTEGRAL;
+  double widest = width - INTEGRAL;
   for (std::size_t j = 0; j < others.size(); ++j) {
     const double room = dictionary.upper(others[j]) - dictionary.lower(others[j]);
-    widest = std::max(widest, std::fabs(a[j]) * (room - NEARLY_INTEGRAL));
+    widest = std::max(widest, std::fabs(a[j]) * (room - INTEGRAL));
   }
   return above < widest || below < widest;
 }

@@ -19,6 +19,9 @@ enum class NodeState : std::uint8_t {
   Empty   ///< proved: no wanted point
 };
 
+/// What lies nearer to an integer is taken for one where nothing is proved by it.
+inline constexpr double INTEGRAL = 1e-6;
+
 /// The linear relaxation at a node of a search: proved bounds of all items with the trail that
 /// takes them back, the dictionary that follows them, and the prover through which every conclusion
 /// goes.

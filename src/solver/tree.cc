@@ -10,7 +10,6 @@
 namespace vexil::solver {
 namespace {
 
-constexpr double INTEGRAL = 1e-6;
 constexpr int ROUNDS_OF_A_NODE = 3;
 constexpr std::int64_t WORK_BETWEEN_STOPS = std::int64_t{1} << 22;
 constexpr double LEAST_GAIN = 1e-6;
