@@ -5,8 +5,6 @@
 #include <cmath>
 #include <numeric>
 
-#include "program/elimination.h"
-
 namespace vexil {
 
 namespace {
@@ -69,6 +67,7 @@ void Membership<T>::build(const Matrix<T>& rows) {
   built_ = true;
   rows_ = rows;
   exact_.reset();
+  solver_.reset();
   isExact_ = true;
   for (const Vector<T>& row : rows_.elements()) {
     const auto numbers = row.elements();
@@ -207,7 +206,8 @@ bool Membership<T>::solvesExactly(const Vector<T>& v) {
   Vector<QQ> x;
   for (const Residue coordinate : coordinates_) x.append(QQ(prime_field::leastInteger(coordinate)));
   if (isInverted_ && (x * exactRows()).equalsExactly(wanted)) return true;
-  return solveRowCoordinates<QQ>(exactRows(), wanted, x, true);
+  if (!solver_) solver_.emplace(exactRows());
+  return solver_->solve(wanted, x, true);
 }
 
 template <typename T>

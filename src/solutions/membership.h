@@ -6,6 +6,7 @@
 
 #include "numbers/prime_field.h"
 #include "numbers/qq_vectors.h"
+#include "program/elimination.h"
 
 namespace vexil {
 
@@ -74,10 +75,11 @@ class Membership {
   [[nodiscard]] bool solvesExactly(const Vector<T>& v);
 
   bool built_ = false;
-  bool isExact_ = false;             ///< all numbers of the basis are whole, or exact
-  bool isInverted_ = false;          ///< there are as many independent columns as rows
-  Matrix<T> rows_;                   ///< the basis
-  std::optional<Matrix<QQ>> exact_;  ///< independent rows of it, once they are needed
+  bool isExact_ = false;                      ///< all numbers of the basis are whole, or exact
+  bool isInverted_ = false;                   ///< there are as many independent columns as rows
+  Matrix<T> rows_;                            ///< the basis
+  std::optional<Matrix<QQ>> exact_;           ///< independent rows of it, once they are needed
+  std::optional<RowCoordinates<QQ>> solver_;  ///< coordinates in these, once they are needed
   dbl_t greatestColumn_ = 0;         ///< greatest sum of magnitudes in a column; +inf for fractions
   std::vector<std::size_t> pivots_;  ///< the independent columns, from 0; as many as rows
   SparseColumns inverse_;            ///< column i: of the inverse of the independent columns

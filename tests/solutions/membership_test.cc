@@ -22,6 +22,7 @@ TYPED_TEST(Members, AreTheIntegerCombinations) {
   using T = TypeParam;
   std::mt19937 random(1);
   const auto below = [&](long limit) { return static_cast<long>(random()) % limit; };
+  Membership<T> lattice;
   for (int round = 0; round < 300; ++round) {
     const long m = 1 + below(4);
     const T large(std::is_same_v<T, QQ> && round % 3 == 0 ? 3000000000000000001 : 0);
@@ -38,7 +39,6 @@ TYPED_TEST(Members, AreTheIntegerCombinations) {
       const auto j = 1 + below(rows.rowCount);
       if (i != j) rows[i].subtractMultiple(T(below(5) - 2) + (step < 2 ? large : T{}), rows[j]);
     }
-    Membership<T> lattice;
     lattice.build(rows);
     for (int vectors = 0; vectors < 20; ++vectors) {
       const long surplus = below(4) == 0 ? 1 : 0;
