@@ -17,8 +17,10 @@ void provideOptFile(const String& optFile, const String& model, formats::ReadSet
                                               formats::ModelForm::OPT, settings, model);
   const String resolved = resolvedPath(optFile);
   if (!putFile(resolved, text, false) && readWholeFile(resolved) != text) {
-    throw WriteException(joined(optFile, ": holds another program than ", model,
-                                " and is not touched; give one of them another name"));
+    throw WriteException(
+        joined(optFile, ": holds another program than ", model,
+               " and is not touched; remove it if the model has changed, or give one of "
+               "them another name"));
   }
 }
 

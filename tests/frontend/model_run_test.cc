@@ -72,9 +72,10 @@ TEST_F(ModelRun, PrintsNamesAndKeepsItsFiles) {
 TEST_F(ModelRun, LeavesTheOptFileOfAnotherProgram) {
   support::writeFile(folder / "m.opt", OPT + "// changed\n");
   const auto end = run({"--decimals=1", "m.lp"});
-  EXPECT_EQ(end.err,
-            "\n*** FAIL: m.opt: holds another program than m.lp and is not touched; give one of "
-            "them another name\n");
+  EXPECT_EQ(
+      end.err,
+      "\n*** FAIL: m.opt: holds another program than m.lp and is not touched; remove it if the "
+      "model has changed, or give one of them another name\n");
   EXPECT_EQ(end.status, 1);
   EXPECT_EQ(support::readFile(folder / "m.opt"), OPT + "// changed\n");
   EXPECT_FALSE(fs::exists(folder / "m.sol"));
