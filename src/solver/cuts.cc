@@ -26,15 +26,15 @@ constexpr std::size_t MOST_DIVISORS = 12;
   return rest < 0 ? rest + b : rest;
 }
 
-/// The rounding function F of `CutFinder`, which is superadditive with F(0) = 0.
+/// The rounding function F of `CutFinder`, which is superadditive with F(0) = 0; |F(c)| is at most
+/// |c| + delta.
 struct Rounding {
   std::int64_t delta;
   std::int64_t rho;
 
-  [[nodiscard]] Int128 operator()(std::int64_t c) const {
-    const std::int64_t rest = modulo(c, delta);
-    const Int128 whole = Int128{delta - rho} * ((c - rest) / delta);
-    return whole + std::max<std::int64_t>(0, rest - rho);
+  [[nodiscard]] std::int64_t operator()(std::int64_t c) const {
+    const std::int64_t quotient = c / delta - (c % delta < 0 ? 1 : 0);
+    return (delta - rho) * quotient + std::max<std::int64_t>(0, c - quotient * delta - rho);
   }
 };
 

@@ -11,6 +11,9 @@ namespace vexil::solver {
 namespace {
 
 constexpr std::int64_t FIRST_BUDGET = std::int64_t{1} << 22;
+constexpr std::int64_t FIRST_TRIAL = std::int64_t{1} << 20;
+constexpr int TURNS_OF_A_TRIAL = 6;
+constexpr std::int64_t TRIAL_OF_ROOT = 32;  ///< times the work of the root
 
 /// The side at a proved bound of an item, and whether it is further in than the one before.
 bool narrowSide(Side& side, const ZZ& value, bool isLower, bool artificial) {
@@ -136,7 +139,7 @@ void LatticeSearch<Z>::report() {
   progress.best = incumbent.best();
   progress.points = incumbent.points();
   progress.work = earlierWork + rootWork + this->work;
-  if (tree) progress.treeNodes = tree->nodes();
+  if (tree) progress.treeNodes = trialNodes + tree->nodes();
   if (enumerator) progress.enumerationNodes = enumerator->search->nodes();
   if (isBounded && !incumbent.collects() && this->hasBound) {
     const QQ norm = QQ(toZZ(this->bound), model.scale);
@@ -183,16 +186,45 @@ LatticeEnd LatticeSearch<Z>::search(Relaxation<Z>& relaxation, bool mayNarrow) {
   rootWork = relaxation.work();
   if (root == NodeState::Empty) return LatticeEnd::Exhausted;
   if (mayNarrow && exportSides(relaxation)) return LatticeEnd::Narrowed;
-  if (!forms.ordered && addRootCuts(relaxation, *this) == NodeState::Empty) {
-    return LatticeEnd::Exhausted;
-  }
-  rootWork = relaxation.work();
+  if (!forms.ordered && cutRoot(relaxation) == NodeState::Empty) return LatticeEnd::Exhausted;
+  rootWork = relaxation.work() - this->work;
   const std::size_t objective = relaxation.items().objective;
   if (objective != NONE) this->raiseBound(relaxation.lower(objective));
   tree = std::make_unique<Tree<Z>>(forms, relaxation, *this, *this);
   const LatticeEnd end = searchRounds();
   report();
   return end;
+}
+
+/// Cuts, and between them trees that are given up: each gets as much work as all cuts before it,
+/// and some times that where it seems to end so.
+template <typename Z>
+NodeState LatticeSearch<Z>::cutRoot(Relaxation<Z>& relaxation) {
+  RootCuts<Z> cuts(relaxation, *this);
+  const std::size_t objective = relaxation.items().objective;
+  const std::int64_t first = std::max(FIRST_TRIAL, TRIAL_OF_ROOT * relaxation.work());
+  for (std::int64_t budget = first; !cuts.ended(); budget *= 2) {
+    if (budget > first && cuts.run(budget) == NodeState::Empty) return NodeState::Empty;
+    this->raiseBound(relaxation.lower(objective));
+    rootWork = relaxation.work() - this->work;
+    if (cuts.ended() || !settings.tree) continue;
+    tree = std::make_unique<Tree<Z>>(forms, relaxation, *this, *this);
+    enter("tree");
+    for (int turn = 0; turn == 0 || (turn < TURNS_OF_A_TRIAL &&
+                                     tree->progress() * (TURNS_OF_A_TRIAL - turn) > turn);
+         ++turn) {
+      if (tree->run(budget) == RunEnd::Exhausted) return NodeState::Empty;
+    }
+    tree->abandon();
+    trialNodes += tree->nodes();
+    tree.reset();
+    enter("root");
+    if (relaxation.followState() == NodeState::Empty || relaxation.examine(1) == NodeState::Empty) {
+      return NodeState::Empty;
+    }
+    if (!relaxation.solved()) break;
+  }
+  return NodeState::Open;
 }
 
 template <typename Z>

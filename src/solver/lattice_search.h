@@ -47,6 +47,7 @@ class LatticeSearch : public SearchState<Z>, public StopToken {
   void lowerCut();
   [[nodiscard]] bool exportSides(const Relaxation<Z>& relaxation);
   [[nodiscard]] LatticeEnd search(Relaxation<Z>& relaxation, bool mayNarrow);
+  [[nodiscard]] NodeState cutRoot(Relaxation<Z>& relaxation);
   [[nodiscard]] LatticeEnd searchRounds();
   [[nodiscard]] std::unique_ptr<Enumerator> makeEnumerator();
   void enter(const char* phase);
@@ -66,6 +67,7 @@ class LatticeSearch : public SearchState<Z>, public StopToken {
   bool isBounded;                          ///< no side is artificial: bounds hold for the program
   std::int64_t earlierWork = 0;
   std::int64_t rootWork = 0;
+  std::int64_t trialNodes = 0;  ///< of trees that were given up
 };
 
 extern template class LatticeSearch<std::int64_t>;

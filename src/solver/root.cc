@@ -95,37 +95,50 @@ NodeState tightenRoot(const FormSystem<Z>& forms, Relaxation<Z>& relaxation, Sea
 }
 
 template <typename Z>
-NodeState addRootCuts(Relaxation<Z>& relaxation, StopToken& stop) {
+RootCuts<Z>::RootCuts(Relaxation<Z>& rootRelaxation, StopToken& stopToken)
+    : relaxation(rootRelaxation), stop(stopToken) {
   const std::size_t objective = relaxation.items().objective;
-  if (objective == NONE || !relaxation.solved()) return NodeState::Open;
-  if constexpr (std::is_same_v<Z, std::int64_t>) {
-    const Dictionary& lp = relaxation.linearProgram();
-    const double start = lp.value(objective);
-    int idle = 0;
-    for (int round = 0; round < ROUNDS_OF_CUTS && idle < IDLE_ROUNDS; ++round) {
-      throwIfStopped(stop);
-      const double before = lp.value(objective);
-      const std::size_t cuts = relaxation.addCuts();
-      if (cuts == 0) break;
-      if (relaxation.followState() == NodeState::Empty ||
-          relaxation.examine(1) == NodeState::Empty) {
-        return NodeState::Empty;
-      }
-      if (!relaxation.solved()) {
-        relaxation.retractCuts(cuts);
-        minimizeObjective(relaxation);
-        return relaxation.examine(1);
-      }
-      const double after = lp.value(objective);
-      idle = after - before > LEAST_PROGRESS * (after - start) ? 0 : idle + 1;
-      relaxation.dropCuts();
-    }
+  if (objective == NONE || !relaxation.solved() || std::is_same_v<Z, ZZ>) return;
+  start = relaxation.linearProgram().value(objective);
+  hasEnded = false;
+}
+
+template <typename Z>
+NodeState RootCuts<Z>::run(std::int64_t budget) {
+  const std::int64_t end = relaxation.work() + budget;
+  while (!hasEnded && relaxation.work() < end) {
+    throwIfStopped(stop);
+    if (addRound() == NodeState::Empty) return NodeState::Empty;
+    hasEnded = hasEnded || ++rounds == ROUNDS_OF_CUTS || idle == IDLE_ROUNDS;
   }
   return NodeState::Open;
 }
 
-template NodeState addRootCuts(Relaxation<std::int64_t>&, StopToken&);
-template NodeState addRootCuts(Relaxation<ZZ>&, StopToken&);
+template <typename Z>
+NodeState RootCuts<Z>::addRound() {
+  const std::size_t objective = relaxation.items().objective;
+  const Dictionary& lp = relaxation.linearProgram();
+  const double before = lp.value(objective);
+  const std::size_t cuts = relaxation.addCuts();
+  hasEnded = cuts == 0;
+  if (hasEnded) return NodeState::Open;
+  if (relaxation.followState() == NodeState::Empty || relaxation.examine(1) == NodeState::Empty) {
+    return NodeState::Empty;
+  }
+  if (!relaxation.solved()) {
+    hasEnded = true;
+    relaxation.retractCuts(cuts);
+    minimizeObjective(relaxation);
+    return relaxation.examine(1);
+  }
+  const double after = lp.value(objective);
+  idle = after - before > LEAST_PROGRESS * (after - start) ? 0 : idle + 1;
+  relaxation.dropCuts();
+  return NodeState::Open;
+}
+
+template class RootCuts<std::int64_t>;
+template class RootCuts<ZZ>;
 
 template NodeState tightenRoot(const FormSystem<std::int64_t>&, Relaxation<std::int64_t>&,
                                SearchState<std::int64_t>&, StopToken&);

@@ -13,13 +13,31 @@ template <typename Z>
 [[nodiscard]] NodeState tightenRoot(const FormSystem<Z>& forms, Relaxation<Z>& relaxation,
                                     SearchState<Z>& state, StopToken& stop);
 
-/// Adds cuts to the relaxation as long as they raise the objective of the linear program. Throws
-/// `Stopped`.
+/// Adds cuts to a relaxation at its root as long as they raise the objective of the linear program.
 template <typename Z>
-[[nodiscard]] NodeState addRootCuts(Relaxation<Z>& relaxation, StopToken& stop);
+class RootCuts {
+ public:
+  /// All are kept by reference.
+  RootCuts(Relaxation<Z>& rootRelaxation, StopToken& stopToken);
 
-extern template NodeState addRootCuts(Relaxation<std::int64_t>&, StopToken&);
-extern template NodeState addRootCuts(Relaxation<ZZ>&, StopToken&);
+  /// Goes on until about `budget` more work is counted. Throws `Stopped`.
+  [[nodiscard]] NodeState run(std::int64_t budget);
+  /// No more cuts pay.
+  [[nodiscard]] bool ended() const { return hasEnded; }
+
+ private:
+  [[nodiscard]] NodeState addRound();
+
+  Relaxation<Z>& relaxation;
+  StopToken& stop;
+  double start = 0;  ///< the objective without cuts
+  int rounds = 0;
+  int idle = 0;
+  bool hasEnded = true;
+};
+
+extern template class RootCuts<std::int64_t>;
+extern template class RootCuts<ZZ>;
 
 extern template NodeState tightenRoot(const FormSystem<std::int64_t>&, Relaxation<std::int64_t>&,
                                       SearchState<std::int64_t>&, StopToken&);

@@ -55,6 +55,12 @@ RunEnd Tree<Z>::run(std::int64_t budget) {
   return ended || state.finished ? RunEnd::Exhausted : RunEnd::Budget;
 }
 
+template <typename Z>
+void Tree<Z>::abandon() {
+  if (!frames.empty()) relaxation.undo(frames.front().trail);
+  frames.clear();
+}
+
 /// Ends the present node and enters the next one that is left.
 template <typename Z>
 void Tree<Z>::close() {

@@ -27,6 +27,9 @@ class Tree {
   /// Throws `Stopped`.
   [[nodiscard]] RunEnd run(std::int64_t budget);
 
+  /// Takes the relaxation back to its root, with what was proved of it: this tree is given up.
+  void abandon();
+
   [[nodiscard]] std::int64_t nodes() const { return nodeCount; }
   /// The part of the tree that is done, each child of a node having an equal share of it, 0 to 1.
   [[nodiscard]] double progress() const { return done; }
