@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <utility>
 
 #include "foundation/failure.h"
 
@@ -35,33 +36,33 @@ class Set {
   }
   virtual ~Set() { clear(); }
 
-  /// Appends a copy of `element` and returns true; false for a set that is full or holds an equal
+  /// Appends `element` and returns true; false for a set that is full or holds an equal
   /// one.
-  virtual bool insert(const E& element) {
+  virtual bool insert(E element) {
     if (capacity != 0 && count == capacity) return false;
     for (const Node* p = head; p != nullptr; p = p->next) {
       if (p->element == element) return false;
     }
-    append(element);
+    append(std::move(element));
     return true;
   }
 
-  /// Links a copy of `element` directly before `before`, or behind the last node for null. Fatal:
+  /// Links `element` directly before `before`, or behind the last node for null. Fatal:
   /// "Set: before_element is not in the given set!" for a first node that is not `head`.
-  Node* insertBefore(const E& element, Node* before) {
+  Node* insertBefore(E element, Node* before) {
     if (before != nullptr && before->prev == nullptr && before != head) {
       fail("Set: before_element is not in the given set!");
     }
     Node* const previous = before == nullptr ? tail : before->prev;
-    Node* const node = allocate(element, previous, before);
+    Node* const node = allocate(std::move(element), previous, before);
     (previous == nullptr ? head : previous->next) = node;
     (before == nullptr ? tail : before->prev) = node;
     ++count;
     return node;
   }
 
-  /// Links a copy of `element` behind the last node.
-  Node* append(const E& element) { return insertBefore(element, nullptr); }
+  /// Links `element` behind the last node.
+  Node* append(E element) { return insertBefore(std::move(element), nullptr); }
 
   /// Frees the first node, if there is one.
   void removeFirst() {
@@ -82,8 +83,10 @@ class Set {
   void setCapacity(std::int64_t limit) { capacity = limit; }
 
  private:
-  [[nodiscard]] static Node* allocate(const E& element, Node* previous, Node* following) {
-    return std::make_unique<Node>(Node{element, previous, following}).release();
+  [[nodiscard]] static Node* allocate(E&& element, Node* previous, Node* following) {
+    auto node = std::make_unique<Node>();
+    *node = {std::move(element), previous, following};
+    return node.release();
   }
 
   static void release(Node* node) { std::unique_ptr<Node>{node}.reset(); }
@@ -101,16 +104,17 @@ class SortedSet : public Set<E> {
  public:
   using Node = typename Set<E>::Node;
 
-  /// Links a copy behind all worse elements and before the first better one. Returns false for an
-  /// element that equals one on the way there, or that would be dropped as the worst of a full set.
-  bool insert(const E& element) override {
-    if (this->head == nullptr) return Set<E>::insert(element);
+  /// Links the element behind all worse elements and before the first better one. Returns false for
+  /// an element that equals one on the way there, or that would be dropped as the worst of a full
+  /// set.
+  bool insert(E element) override {
+    if (this->head == nullptr) return Set<E>::insert(std::move(element));
     Node* better = this->head;
     for (; better != nullptr; better = better->next) {
       if (better->element == element) return false;
       if (better->element < element) break;
     }
-    const Node* const inserted = this->insertBefore(element, better);
+    const Node* const inserted = this->insertBefore(std::move(element), better);
     if (this->capacity == 0 || this->count <= this->capacity) return true;
     const bool insertedIsWorst = this->head == inserted;
     this->removeFirst();

@@ -357,10 +357,10 @@ class Lattice : public Vexil<T> {
 
   // --- solutions/collections.tcc ---
   [[nodiscard]] bool isOfNoUse(std::int64_t k);
-  [[nodiscard]] T violation(std::int64_t j, const T& x) const;
   template <typename Visitor>
   void forEachViolation(const Vector<T>& x, Visitor visit) const;
   void measureViolations(const Vector<T>& x, HeuristicVector<T, U>& result) const;
+  [[nodiscard]] HeuristicVector<T, U> deviationOf(const Vector<T>& x, const T& length) const;
   [[nodiscard]] Vector<T> mappedPoint(const Vector<T>& vector) const;
   bool collectAt(const Vector<T>& vector, std::optional<std::int64_t> time, Collection& homogeneous,
                  Collection& inhomogeneous);

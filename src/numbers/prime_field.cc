@@ -40,15 +40,9 @@ std::optional<Residue> residue(const QQ& x) {
   return withSign(reduced(static_cast<DoubleWord>(whole) + fraction), x.positive);
 }
 
-std::optional<Residue> residue(dbl_t x) {
-  constexpr auto MODULUS = static_cast<dbl_t>(PRIME);
-  if (std::fabs(x) < MODULUS) {
-    const auto word = static_cast<std::int64_t>(x);
-    if (static_cast<dbl_t>(word) != x) return std::nullopt;
-    return static_cast<Residue>(word < 0 ? word + static_cast<std::int64_t>(PRIME) : word);
-  }
+std::optional<Residue> residueOfGreat(dbl_t x) {
   if (!std::isfinite(x) || std::trunc(x) != x) return std::nullopt;
-  const auto magnitude = std::fmod(std::fabs(x), MODULUS);
+  const auto magnitude = std::fmod(std::fabs(x), static_cast<dbl_t>(PRIME));
   return withSign(static_cast<Residue>(magnitude), x >= 0);
 }
 

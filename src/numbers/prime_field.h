@@ -4,6 +4,7 @@
 // machine words.
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 #include <optional>
 
@@ -47,6 +48,12 @@ inline constexpr std::size_t SUMMANDS = 32;
 /// The residue of a number; nothing for an infinity, a denominator that the prime divides and a
 /// floating number that is not whole.
 [[nodiscard]] std::optional<Residue> residue(const QQ& x);
-[[nodiscard]] std::optional<Residue> residue(dbl_t x);
+[[nodiscard]] std::optional<Residue> residueOfGreat(dbl_t x);
+[[nodiscard]] inline std::optional<Residue> residue(dbl_t x) {
+  if (!(std::fabs(x) < static_cast<dbl_t>(PRIME))) return residueOfGreat(x);
+  const auto word = static_cast<std::int64_t>(x);
+  if (static_cast<dbl_t>(word) != x) return std::nullopt;
+  return static_cast<Residue>(word < 0 ? word + static_cast<std::int64_t>(PRIME) : word);
+}
 
 }  // namespace vexil::prime_field

@@ -24,6 +24,11 @@ template <typename T>
   return static_cast<FreedomDegree>((right == infinity ? 2 : 0) + (left == -infinity ? 1 : 0));
 }
 
+/// The variable has no left bound of its own.
+[[nodiscard]] inline bool isLeftFree(FreedomDegree degree) {
+  return degree == FreedomDegree::LEFT_FREE || degree == FreedomDegree::FREE;
+}
+
 /// The variable has no right bound of its own.
 [[nodiscard]] inline bool isRightFree(FreedomDegree degree) {
   return degree == FreedomDegree::RIGHT_FREE || degree == FreedomDegree::FREE;

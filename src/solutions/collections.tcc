@@ -38,7 +38,9 @@ bool refusesNegative(const SortedSet<HeuristicVector<T, U>>& collection, const U
     return node == nullptr || length + tolerance < node->element.euclidNorm;
   };
   // What a reduction visits again is among the shortest.
-  for (p = collection.tail; !isLonger(p); p = p->prev) {
+  p = collection.tail;
+  while (p != nullptr && p->element.euclidNorm < length) p = p->prev;
+  for (; !isLonger(p); p = p->prev) {
     const HeuristicVector<T, U>& v = p->element;
     if (v.euclidNorm != length) continue;
     if (!std::equal(v.data + 1, v.data + v.MN + 1, x.data + 1, areOpposite)) continue;
@@ -51,33 +53,29 @@ bool refusesNegative(const SortedSet<HeuristicVector<T, U>>& collection, const U
 
 }  // namespace detail
 
-/// How far x is out of the bounds of coordinate j; 0 for what counts as 0. Variables without a
-/// bound of their own do not look at it.
-template <typename T, typename U>
-T Lattice<T, U>::violation(std::int64_t j, const T& x) const {
-  const std::int64_t variable = j - (basis.latDim - 1 - this->lx.MN);
-  auto degree = FreedomDegree::BOUNDED;
-  if (variable >= 1 && variable <= this->lx.MN) degree = this->freedomDegrees.data[variable];
-  const bool leftFree = degree == FreedomDegree::LEFT_FREE || degree == FreedomDegree::FREE;
-  const T& l = embedding.l.data[j];
-  const T& r = embedding.r.data[j];
-  T result{};
-  if (!leftFree && l > x) result = l - x;
-  if (!isRightFree(degree) && x > r) result = x - r;
-  return isZero(result) ? T{} : result;
-}
-
-/// visit(j, violation) for the coordinates behind the target, in the order of the list: the last
-/// one, the variables, the rows from behind.
+/// visit(j, how far x[j] is out of the bounds of coordinate j, 0 for what counts as 0) behind the
+/// target, in the order of the list: the last one, the variables, the rows from behind. Variables
+/// without a bound of their own do not look at it.
 template <typename T, typename U>
 template <typename Visitor>
-void Lattice<T, U>::forEachViolation(const Vector<T>& x, Visitor visit) const {
+void Lattice<T, U>::forEachViolation(const Vector<T>& vector, Visitor visit) const {
+  const T* const x = vector.data;
+  const T* const l = embedding.l.data;
+  const T* const r = embedding.r.data;
+  const auto report = [&](std::int64_t j, bool leftFree, bool rightFree) {
+    T violation{};
+    if (!leftFree && l[j] > x[j]) violation = l[j] - x[j];
+    if (!rightFree && x[j] > r[j]) violation = x[j] - r[j];
+    visit(j, isZero(violation) ? T{} : violation);
+  };
   const std::int64_t last = basis.latDim;
-  const std::int64_t variables = last - this->lx.MN;
-  const auto report = [&](std::int64_t j) { visit(j, violation(j, x.data[j])); };
-  report(last);
-  for (std::int64_t j = variables; j < last; ++j) report(j);
-  for (std::int64_t j = variables - 1; j > this->tu; --j) report(j);
+  const std::int64_t n = this->lx.MN;
+  report(last, false, false);
+  for (std::int64_t i = 1; i <= n; ++i) {
+    const FreedomDegree degree = this->freedomDegrees.data[i];
+    report(last - 1 - n + i, isLeftFree(degree), isRightFree(degree));
+  }
+  for (std::int64_t j = last - n - 1; j > this->tu; --j) report(j, false, false);
 }
 
 /// The kind and the violations of a vector.
@@ -131,9 +129,15 @@ Vector<T> Lattice<T, U>::mappedPoint(const Vector<T>& vector) const {
 template <typename T, typename U>
 HeuristicVector<T, U> Lattice<T, U>::computeDeviation(const Vector<T>& vector,
                                                       bool isLatticeVector) const {
+  if (isLatticeVector) return computeDeviation(normalised(vector, true), false);
+  return deviationOf(vector, vector * vector);
+}
+
+/// Of a vector with this squared length.
+template <typename T, typename U>
+HeuristicVector<T, U> Lattice<T, U>::deviationOf(const Vector<T>& x, const T& length) const {
   HeuristicVector<T, U> result;
-  Vector<T>& x = result;
-  x = isLatticeVector ? normalised(vector, true) : vector;
+  static_cast<Vector<T>&>(result) = x;
   measureViolations(x, result);
   if (result.inBounds) {
     const Vector<T> point = mappedPoint(x);
@@ -141,7 +145,7 @@ HeuristicVector<T, U> Lattice<T, U>::computeDeviation(const Vector<T>& vector,
     result.targetNorm =
         numberAs<U>(program.targetAndSlackNorm(program.At * point, point, slackNorm));
   }
-  result.euclidNorm = numberAs<U>(x * x);
+  result.euclidNorm = numberAs<U>(length);
   return result;
 }
 
@@ -157,10 +161,11 @@ bool Lattice<T, U>::collect(const TimeVector<T>& vector, Collection* homogeneous
 template <typename T, typename U>
 bool Lattice<T, U>::collectAt(const Vector<T>& vector, std::optional<std::int64_t> time,
                               Collection& homogeneous, Collection& inhomogeneous) {
-  if (vector * vector > embedding.maxNorm) return false;
-  HeuristicVector<T, U> candidate = computeDeviation(vector, false);
+  const T length = vector * vector;
+  if (length > embedding.maxNorm) return false;
+  HeuristicVector<T, U> candidate = deviationOf(vector, length);
   candidate.time = time ? *time : run.secondsSinceStart();
-  return (candidate.kind == 1 ? homogeneous : inhomogeneous).insert(candidate);
+  return (candidate.kind == 1 ? homogeneous : inhomogeneous).insert(std::move(candidate));
 }
 
 /// Whether it is plain that row k is out of bounds, does not come up to `bestHeuristic` and goes

@@ -1,7 +1,9 @@
 // Vexil - exact integer optimization on lattices.
 #pragma once
 
+#include <cmath>
 #include <limits>
+#include <type_traits>
 
 #include "foundation/time_vector.h"
 #include "numbers/convert.h"
@@ -37,6 +39,17 @@ class HeuristicVector : public TimeVector<T> {
   void clear() override {
     TimeVector<T>::clear();
     kind = 0;
+  }
+
+  /// Equality of the vectors. Those whose lengths lie further apart than the tolerance of their
+  /// elements can bring about are told apart by them.
+  bool operator==(const HeuristicVector& other) const {
+    if constexpr (std::is_floating_point_v<U>) {
+      const U reach = TOLERANCE * (euclidNorm + static_cast<U>(this->MN + 1));
+      const bool areMeasured = kind != 0 && other.kind != 0;
+      if (areMeasured && std::fabs(euclidNorm - other.euclidNorm) > reach) return false;
+    }
+    return Vector<T>::operator==(other);
   }
 
   /// The better deviation comes first: `isBetter` of this one and `other`.

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <numeric>
 
 namespace vexil {
@@ -26,6 +27,10 @@ dbl_t wholeMagnitude(dbl_t x) {
                                            : std::trunc(x) == x;
   return isWhole ? magnitude : INF_F;
 }
+
+/// The magnitude of a number that has a residue; +inf for one that is not whole.
+dbl_t magnitude(const QQ& x) { return wholeMagnitude(x); }
+dbl_t magnitude(dbl_t x) { return std::fabs(x); }
 
 const QQ& exactNumber(const QQ& x) { return x; }
 
@@ -177,18 +182,20 @@ typename Membership<T>::Verdict Membership<T>::decideByResidues(const Vector<T>&
   using prime_field::residue;
   if (!isInverted_) return Verdict::OPEN;
   dbl_t greatest = 0;
-  for (const T& x : v.elements()) greatest = std::max(greatest, wholeMagnitude(x));
-  const auto valueAt = [&](std::size_t j) { return residue(v.data[j + 1]); };
+  const auto valueAt = [&](std::size_t j) {
+    const T& x = v.data[j + 1];
+    greatest = std::max(greatest, magnitude(x));
+    return residue(x);
+  };
   for (std::size_t p = 0; p < pivots_.size(); ++p) {
     const auto value = valueAt(pivots_[p]);
     if (!value) return Verdict::OPEN;
     values_[p] = *value;
   }
-  dbl_t greatestCoordinate = 0;
+  long greatestCoordinate = 0;
   for (std::size_t i = 0; i < coordinates_.size(); ++i) {
     coordinates_[i] = inverse_.product(i, values_);
-    greatestCoordinate =
-        std::max(greatestCoordinate, std::fabs(static_cast<dbl_t>(leastInteger(coordinates_[i]))));
+    greatestCoordinate = std::max(greatestCoordinate, std::abs(leastInteger(coordinates_[i])));
   }
   for (std::size_t k = 0; k < otherIndex_.size(); ++k) {
     const auto value = valueAt(otherIndex_[k]);
@@ -196,8 +203,8 @@ typename Membership<T>::Verdict Membership<T>::decideByResidues(const Vector<T>&
     if (others_.product(k, coordinates_) != *value) return Verdict::NO;
   }
   constexpr dbl_t MARGIN = 2;  // for the rounding of the bound itself
-  return MARGIN * (greatestCoordinate * greatestColumn_ + greatest) < MODULUS ? Verdict::YES
-                                                                              : Verdict::OPEN;
+  const dbl_t reach = static_cast<dbl_t>(greatestCoordinate) * greatestColumn_ + greatest;
+  return MARGIN * reach < MODULUS ? Verdict::YES : Verdict::OPEN;
 }
 
 template <typename T>
