@@ -20,6 +20,7 @@ constexpr std::int64_t GREATEST_WIDTH = std::int64_t{1} << 16;
 constexpr std::int64_t GREATEST_COEFFICIENT = std::int64_t{1} << 11;
 constexpr std::int64_t GREATEST_DENOMINATOR = 1 << 12;
 constexpr std::size_t MOST_DIVISORS = 12;
+constexpr int MOST_COMPLEMENTS = 8;
 
 [[nodiscard]] std::int64_t modulo(std::int64_t a, std::int64_t b) {
   const std::int64_t rest = a % b;
@@ -267,8 +268,10 @@ void CutFinder::round(Equation equation, std::int64_t divisor) {
     }
   }
   if (best == 0) return;
+  int complements = 0;
   for (Term& term : equation.terms) {
     if (term.isSlack || term.q < FRACTIONAL) continue;
+    if (++complements > MOST_COMPLEMENTS) break;
     const Range range = rangeOf(term.index);
     if (range.upper - range.lower > GREATEST_WIDTH || std::abs(equation.r) > GREATEST_SIDE)
       continue;

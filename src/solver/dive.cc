@@ -28,23 +28,28 @@ void Dive<Z>::countLocks() {
   const ItemSystem<Z>& system = relaxation.items();
   for (std::vector<int>& side : locks) side.assign(system.count, 1);
   for (std::size_t k = 0; k < system.coordinates; ++k) {
-    const std::size_t named = system.parameterItem[k];
-    for (std::vector<int>& side : locks) side[named] = 0;
-    for (std::size_t f = 0; f < system.forms; ++f) {
-      const int sign = f == named ? 0 : signOf(system.entry(f, k));
-      if (sign == 0) continue;
-      Wide<Z> least = widen(system.offset[f]);
-      Wide<Z> greatest = least;
-      for (std::size_t j = 0; j < system.coordinates; ++j) {
-        const std::size_t other = system.parameterItem[j];
-        const bool rising = signOf(system.entry(f, j)) > 0;
-        const Z low = relaxation.lower(other) - system.offset[other];
-        const Z high = relaxation.upper(other) - system.offset[other];
-        addProduct(least, system.entry(f, j), rising ? low : high);
-        addProduct(greatest, system.entry(f, j), rising ? high : low);
-      }
-      if (widen(relaxation.upper(f)) < greatest) ++locks[sign > 0 ? 1 : 0][named];
-      if (widen(relaxation.lower(f)) > least) ++locks[sign > 0 ? 0 : 1][named];
+    for (std::vector<int>& side : locks) side[system.parameterItem[k]] = 0;
+  }
+  for (std::size_t f = 0; f < system.forms; ++f) {
+    Wide<Z> least = widen(system.offset[f]);
+    Wide<Z> greatest = least;
+    for (std::size_t k = 0; k < system.coordinates; ++k) {
+      const std::size_t named = system.parameterItem[k];
+      const Z& c = system.entry(f, k);
+      if (signOf(c) == 0) continue;
+      const bool rising = signOf(c) > 0;
+      const Z low = relaxation.lower(named) - system.offset[named];
+      const Z high = relaxation.upper(named) - system.offset[named];
+      addProduct(least, c, rising ? low : high);
+      addProduct(greatest, c, rising ? high : low);
+    }
+    const bool canExceed = widen(relaxation.upper(f)) < greatest;
+    const bool canFallBelow = widen(relaxation.lower(f)) > least;
+    for (std::size_t k = 0; k < system.coordinates; ++k) {
+      const std::size_t named = system.parameterItem[k];
+      const int sign = named == f ? 0 : signOf(system.entry(f, k));
+      if (sign != 0 && canExceed) ++locks[sign > 0 ? 1 : 0][named];
+      if (sign != 0 && canFallBelow) ++locks[sign > 0 ? 0 : 1][named];
     }
   }
 }
@@ -54,6 +59,7 @@ void Dive<Z>::run(Kind kind) {
   const std::size_t start = relaxation.mark();
   int turns = 0;
   bool isOpen = arrive();
+  if (isOpen && kind == Kind::Kept) isOpen = takeKept() && arrive();
   while (isOpen && !state.finished) {
     throwIfStopped(stop);
     Step step = choose(kind);
@@ -66,6 +72,20 @@ void Dive<Z>::run(Kind kind) {
     isOpen = take(step) && arrive();
   }
   relaxation.undo(start);
+}
+
+/// Fixes the variables in which the best point and the linear program agree (compare Danna,
+/// Rothberg and Le Pape 2005).
+template <typename Z>
+bool Dive<Z>::takeKept() {
+  const std::vector<Z> kept = relaxation.kept();
+  if (kept.empty()) return false;
+  for (const std::size_t item : items) {
+    const double value = relaxation.linearProgram().value(item);
+    if (std::fabs(value - toDouble(kept[item])) > INTEGRAL || relaxation.isFixed(item)) continue;
+    if (!relaxation.branch(item, kept[item], kept[item])) return false;
+  }
+  return true;
 }
 
 /// Rounds an item beyond its value; both ways narrow its bounds, wherever the value is.

@@ -17,6 +17,7 @@ class Dive {
   /// How a variable is chosen.
   enum class Kind : std::uint8_t {
     Nearest,  ///< the one that is nearest to an integer
+    Kept,     ///< after all that the best point and the linear program agree in, the nearest
     Locks     ///< the one that fewest rows hinder in one direction, in that direction
   };
 
@@ -37,6 +38,7 @@ class Dive {
   [[nodiscard]] bool take(const Step& step);
   [[nodiscard]] bool arrive();
   void countLocks();
+  [[nodiscard]] bool takeKept();
 
   const FormSystem<Z>& forms;
   const std::vector<std::size_t>& items;

@@ -13,7 +13,7 @@ namespace {
 constexpr std::int64_t FIRST_BUDGET = std::int64_t{1} << 22;
 constexpr std::int64_t FIRST_TRIAL = std::int64_t{1} << 20;
 constexpr int TURNS_OF_A_TRIAL = 6;
-constexpr std::int64_t TRIAL_OF_ROOT = 32;  ///< times the work of the root
+constexpr std::int64_t TRIAL_OF_ROOT = 64;  ///< times the work of the root
 
 /// The side at a proved bound of an item, and whether it is further in than the one before.
 bool narrowSide(Side& side, const ZZ& value, bool isLower, bool artificial) {

@@ -396,7 +396,9 @@ bool Relaxation<Z>::offer(const std::vector<Z>& coordinates) {
     if (forms.kind[f] == FormKind::Goal) objective = objective + (sums[f] < 0 ? -sums[f] : sums[f]);
   }
   if (state.hasCut && objective > widen(state.cut)) return false;
-  return state.offer(forms, formValues);
+  if (!state.offer(forms, formValues)) return false;
+  keptValues = formValues;
+  return true;
 }
 
 template <typename Z>

@@ -83,6 +83,9 @@ class Relaxation {
   /// under the cut. True if it was kept.
   bool offer(const std::vector<Z>& coordinates);
 
+  /// The values of all forms at the last point that was kept; nothing before.
+  [[nodiscard]] const std::vector<Z>& kept() const { return keptValues; }
+
   /// The value of an item in the last solution as an integer within its present bounds.
   [[nodiscard]] Z rounded(std::size_t item) const;
   /// The integer at or below that value, such that it and its successor are within the bounds of
@@ -128,6 +131,7 @@ class Relaxation {
   std::size_t firstCut;
   std::vector<std::size_t> goalOf;  ///< R: index of the goal whose form an item is, NONE for others
   std::vector<Z> formValues;
+  std::vector<Z> keptValues;
   bool hasSolution = false;
   std::int64_t proofWork = 0;
   std::int64_t proofCount = 0;

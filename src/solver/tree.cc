@@ -43,7 +43,8 @@ RunEnd Tree<Z>::run(std::int64_t budget) {
   const std::int64_t start = relaxation.work();
   std::int64_t counted = start;
   std::int64_t askedAt = start;
-  while (!ended && !state.finished && relaxation.work() - start < budget) {
+  diveWork = 0;
+  while (!ended && !state.finished && relaxation.work() - start - diveWork < budget) {
     processNode();
     state.work += relaxation.work() - counted;
     counted = relaxation.work();
@@ -126,9 +127,11 @@ bool Tree<Z>::dives() const {
 template <typename Z>
 bool Tree<Z>::dive() {
   nextDive = 4 * nodeCount;
-  for (const auto kind : {Dive<Z>::Kind::Nearest, Dive<Z>::Kind::Locks}) {
+  const std::int64_t before = relaxation.work();
+  for (const auto kind : {Dive<Z>::Kind::Nearest, Dive<Z>::Kind::Locks, Dive<Z>::Kind::Kept}) {
     Dive<Z>(forms, candidates, relaxation, state, stop).run(kind);
   }
+  diveWork += relaxation.work() - before;
   return relaxation.followState() != NodeState::Empty &&
          relaxation.examine(ROUNDS_OF_A_NODE) != NodeState::Empty;
 }

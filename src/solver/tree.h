@@ -94,6 +94,7 @@ class Tree {
   double share = 1;
   double done = 0;
   std::int64_t nodeCount = 0;
+  std::int64_t diveWork = 0;  ///< of the present run, beside its budget
   std::int64_t nextDive = 1;  ///< number of the node that dives
 };
 
