@@ -234,6 +234,7 @@ TEST_P(WithoutBounds, ClaimsWhatHoldsBeyondTheBox) {
   if (*GetParam().best != 0) {
     EXPECT_EQ(outcome.best, QQ(GetParam().best));
   }
+  EXPECT_EQ(outcome.bound.has_value(), outcome.status == Status::Optimal);
   EXPECT_EQ(outcome.ray.MN > 0 ? joined(outcome.ray) : "", GetParam().ray);
   EXPECT_EQ(outcome.limitation.empty(),
             outcome.status != Status::Unknown && outcome.status != Status::BestSoFar);
@@ -263,6 +264,10 @@ const Case CASES[] = {
      "[ ][ ][ ][ ][ [ 3 -2 0 ] [ -3 0 2 ] [ 0 2 -2 ] ][ 1 1 -1 ][ inf inf inf ][ 0 0 0 ]"
      "[ -inf -inf -inf ][ inf inf inf ]",
      0, Status::Infeasible, "", ""},
+    {"FallsBelowTheBox",
+     "[ -inf ][ [ 1 0 -5 -7 -9 ] ][ ][ ][ [ 1048582 1048583 0 0 0 ] [ 0 0 14 19 24 ] ][ 0 0 ]"
+     "[ 10 40 ][ 0 0 0 0 0 ][ -inf -inf 0 0 0 ][ inf inf 1 1 1 ]",
+     1, Status::BestSoFar, "-24", ""},
     {"FallsBeyondTheBox",
      "[ -inf ][ [ -1 0 -5 -7 -9 ] ][ ][ ][ [ 1048582 1048583 0 0 0 ] [ 0 0 14 19 24 ] ][ 0 0 ]"
      "[ 10 40 ][ 0 0 0 0 0 ][ -inf -inf 0 0 0 ][ inf inf 1 1 1 ]",
