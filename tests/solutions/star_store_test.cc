@@ -104,10 +104,14 @@ TEST_F(Store, TidiesTheFileAndKeepsWhatItLeavesOut) {
   EXPECT_EQ(support::readFile(folder / "x.sol~"), before);
   EXPECT_EQ(said, (Texts{"x.sol:3: the star is not kept: equation 1 gives 4 instead of 6",
                          "x.sol: the file as it was is now x.sol~"}));
-  support::writeFile(sol, "[ 2 2 ]\n");  // no star is left, and no file
-  open().save();
-  EXPECT_EQ(files(), (Texts{"x.sol~", "x.sol~1"}));
-  EXPECT_EQ(support::readFile(folder / "x.sol~1"), "[ 2 2 ]\n");
+  for (const std::string& text :
+       {STAR2 + "[ 3 2 ] | | | | 7 | --sol=1\n", std::string("[ 2 2 ]\n")}) {
+    support::writeFile(sol, text);
+    open().save();
+    EXPECT_EQ(fs::exists(sol) ? support::readFile(sol) : "", text == "[ 2 2 ]\n" ? "" : STAR2);
+  }
+  EXPECT_EQ(files(), (Texts{"x.sol~", "x.sol~1", "x.sol~2"}));
+  EXPECT_EQ(support::readFile(folder / "x.sol~2"), "[ 2 2 ]\n");
 }
 
 TEST_F(Store, LeavesATidyFileAlone) {
@@ -164,13 +168,18 @@ TEST_F(Store, RefusesWhatItCouldNotWrite) {
       {[&] { ASSERT_EQ(mkfifo(sol.c_str(), 0600), 0); }, "x.sol: is not a regular file"},
       {[&] { fs::create_symlink("x.sol", sol); }, "x.sol: leads through too many links"},
       {[&] { fs::create_symlink("none/x.sol", sol); }, "x.sol: its folder cannot be found"},
-      {[&] { support::writeFile(folder / "x.sol.lock", "me"); }, "x.sol.lock: is not a lock file"}};
+      {[&] { support::writeFile(folder / "x.sol.lock", "me"); }, "x.sol.lock: is not a lock file"},
+      {[&] {
+         fs::rename(folder / "x.sol.lock", folder / "mine");
+         fs::create_symlink("mine", folder / "x.sol.lock");
+       },
+       "x.sol.lock: cannot be made: Too many levels of symbolic links"}};
   for (const auto& [make, reason] : cases) {
     make();
     EXPECT_EQ(refusal([&] { open(); }), reason);
     fs::remove(sol);
   }
-  EXPECT_EQ(support::readFile(folder / "x.sol.lock"), "me");
+  EXPECT_EQ(support::readFile(folder / "mine"), "me");
 }
 
 /// Runs as somebody without the rights of root.
