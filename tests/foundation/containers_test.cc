@@ -95,9 +95,8 @@ struct Item {
 std::vector<int> contents(const Set<Item>& set) {
   std::vector<int> forward, backward;
   for (auto* p = set.head; p != nullptr; p = p->next) forward.push_back(p->element.vector);
-  for (auto* p = set.tail; p != nullptr; p = p->prev) {
+  for (auto* p = set.tail; p != nullptr; p = p->prev)
     backward.insert(backward.begin(), p->element.vector);
-  }
   EXPECT_EQ(forward, backward);
   EXPECT_EQ(set.count, std::ssize(forward));
   return forward;

@@ -91,9 +91,7 @@ std::string minimized(const std::string& x, const std::string& norm, const std::
 
 std::string report(const Texts& blocks) {
   std::string text = "\n";
-  for (const std::string& star : blocks) {
-    text += (text.size() > 1 ? "\n---\n\n" : "") + star;
-  }
+  for (const std::string& star : blocks) text += (text.size() > 1 ? "\n---\n\n" : "") + star;
   return text + "\n";
 }
 
@@ -133,9 +131,8 @@ void addCommandLines(std::vector<Case>& rows) {
 /// is that of the one that is looked for first.
 void addFaultyPrograms(std::vector<Case>& rows) {
   std::ifstream in(std::string(VEXIL_SOURCE_DIR) + "/tests/frontend/faulty_programs.txt");
-  for (std::string text, opt; std::getline(in, text) && std::getline(in, opt);) {
+  for (std::string text, opt; std::getline(in, text) && std::getline(in, opt);)
     rows.push_back(refused("Faulty" + std::to_string(rows.size()), opt, "[ 1 1 ]\n", text));
-  }
   rows.push_back(refused("EmptyFile", "", "[ 1 1 ]\n", "Matrix: bad stream"));
   rows.push_back(aborted("EndsInMatrix", "[ -inf ] [ [ 1 1 ]"));
   rows.push_back(aborted("EndsBehindAu", "[ -inf ] [ [ 1 1 ] ] [ ] [ ] [ ]"));

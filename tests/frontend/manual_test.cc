@@ -32,9 +32,8 @@ std::string section(const std::string& text, const std::string& head) {
 Words matches(const std::string& text, const char* pattern) {
   const std::regex regex(pattern);
   Words words;
-  for (std::sregex_iterator i(text.begin(), text.end(), regex), end; i != end; ++i) {
+  for (std::sregex_iterator i(text.begin(), text.end(), regex), end; i != end; ++i)
     words.insert((*i)[1]);
-  }
   return words;
 }
 
@@ -62,9 +61,8 @@ TEST(Manual, NamesTheWordsWithoutEffectAndTheAnswers) {
 }
 
 TEST(Manual, TellsTheVersionAndTheUsage) {
-  for (const char* name : {"vexil.1", "vexil-solve.1", "vexil-convert.1", "vexil-formats.5"}) {
+  for (const char* name : {"vexil.1", "vexil-solve.1", "vexil-convert.1", "vexil-formats.5"})
     EXPECT_NE(page(name).find(joined("\"vexil ", VERSION, "\" \"Vexil\"\n")), std::string::npos);
-  }
   const auto end = support::run({.folder = "/", .arguments = {}});
   EXPECT_EQ(end.status, 1);
   EXPECT_EQ(matches(section(page("vexil.1"), ".SH EXIT STATUS"), "\n\\.TP\n\\.B ([0-9])\n"),

@@ -223,9 +223,8 @@ TEST_F(SolveRun, ShowsItsProgress) {
                 ", tree 0, enumeration 0, work 0\n" + searching +
                 ", tree 0, enumeration 0, work 0\n" + later + ", tree 5, enumeration 6, work 50\n" +
                 later + ", tree 5, enumeration 6, work 100\n"}};
-  for (const auto& [verbosity, expected] : cases) {
+  for (const auto& [verbosity, expected] : cases)
     EXPECT_EQ(support::inChild(body({}, working, {"x.opt", "--verb=" + verbosity})).err, expected);
-  }
 }
 
 TEST_F(SolveRun, RenewsALineOnATerminal) {

@@ -85,9 +85,8 @@ TEST_F(WriteFaults, MissingRights) {
           {FAILING_STAR, ".", WRITING, "", "\n\n", ""},
           {STAR, "x.opt", READING, STAR, "", "\n*** FAIL: Could not read opt file: x.opt\n"}};
   const auto allowAll = [this] {
-    for (const char* const name : {".", "x.opt", "x.sol"}) {
+    for (const char* const name : {".", "x.opt", "x.sol"})
       fs::permissions(folder / name, fs::perms::all);
-    }
   };
   for (const auto& [before, forbidden, mode, after, out, err] : cases) {
     support::writeFile(sol, before);

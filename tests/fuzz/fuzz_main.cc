@@ -142,9 +142,8 @@ class Attempt {
     const bool answered = end.status == 0 || end.status == 2;
     if (!failed && !(answered && end.out.find(": ") != end.out.npos)) return "a wrong end";
     if (support::readFile(folder_ / "x.opt") != files_.at("x.opt")) return "x.opt has changed";
-    if (failed && support::readFile(folder_ / "x.sol") != files_.at("x.sol")) {
+    if (failed && support::readFile(folder_ / "x.sol") != files_.at("x.sol"))
       return "x.sol has changed";
-    }
     return "";
   }
 
@@ -153,9 +152,8 @@ class Attempt {
   [[nodiscard]] std::string faultOfEngine(const support::ChildEnd& end) const {
     const bool failed = end.status == 1 && end.err.find("\n*** FAIL: ") != end.err.npos;
     if (end.timedOut) return "no end within the time limit";
-    if (!failed && end.status != 0 && end.status != 3 && end.signal != SIGTERM) {
+    if (!failed && end.status != 0 && end.status != 3 && end.signal != SIGTERM)
       return "a wrong end";
-    }
     if (!support::semaphoreNames(end.pid).empty()) return "semaphores are left";
     return starFault((folder_ / "x.sol").string(), engine_->force1 || engine_->force2);
   }

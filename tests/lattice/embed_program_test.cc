@@ -84,9 +84,8 @@ TEST(Divisors, AreFoundAtOnce) {
       {"10000000000000000000000000000000000000000", "1000000000000000000000000000000000000000",
        "1250000000000000000000000000000000000000"},
   };
-  for (const auto& [n, bound, expected] : cases) {
+  for (const auto& [n, bound, expected] : cases)
     EXPECT_EQ(toString(nextDivisor(QQ(n).ganze, QQ(bound).ganze)), expected) << n << ' ' << bound;
-  }
   // Where both neighbourhoods are empty the number itself has to do.
   const ZZ n = QQ("10000000000000000000000000000000000000000").ganze;
   EXPECT_EQ(nextDivisor(n, QQ("54321000000000000000").ganze), n);
@@ -110,9 +109,7 @@ TYPED_TEST(Embeddings, RefuseVectorsThatAreNone) {
       {[&] { lattice.opt2lat(vector<T>("[ 1 0 ]"), image, true); },
        "slack variable insonsistency, s should be >= 0"},
   };
-  for (const auto& [operation, text] : cases) {
-    EXPECT_EXIT(operation(), ExitedWithCode(1), text);
-  }
+  for (const auto& [operation, text] : cases) EXPECT_EXIT(operation(), ExitedWithCode(1), text);
   lattice.opt2lat(vector<T>("[ 1 3 ]"), image, false);
   Vector<T> point;
   lattice.lat2opt(image, point, false, true);

@@ -125,9 +125,8 @@ TYPED_TEST(Lattices, GoInAndOutOfTheWeightedForm) {
   EXPECT_EQ(joined(lattice.basis.B), "[\n[ 10 2 0 ]\n[ 42 5 10 ]\n]");
   // A shift of the last coordinate would have to be undone with what it was before.
   lattice.form.translation = vector<T>("[ 1 0 0 ]");
-  for (const char* const row : {"[ 1 2 0 ]", "[ 4 5 2 ]", "[ 0 0 -3 ]"}) {
+  for (const char* const row : {"[ 1 2 0 ]", "[ 4 5 2 ]", "[ 0 0 -3 ]"})
     EXPECT_EQ(joined(lattice.unweightedRow(lattice.weightedRow(vector<T>(row)))), row);
-  }
   const auto shortRow = vector<T>("[ 1 2 ]");
   EXPECT_EXIT(static_cast<void>(lattice.weightedRow(shortRow)), testing::ExitedWithCode(1),
               "Vector: dimension mismatch3");

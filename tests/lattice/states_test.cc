@@ -237,9 +237,8 @@ TYPED_TEST(States, AreReachedStepByStep) {
 }
 
 TYPED_TEST(States, HaveTheWorkedValues) {
-  for (const State& state : readStates(FOLDER / "worked_values.txt")) {
+  for (const State& state : readStates(FOLDER / "worked_values.txt"))
     EXPECT_FALSE(this->checkAll(state));
-  }
 }
 
 }  // namespace

@@ -9,6 +9,10 @@
 #include <sstream>
 #include <vector>
 
+#include "numbers/integer_row.h"
+#include "numbers/matrix_product.h"
+#include "support/parsed.h"
+
 namespace vexil {
 namespace {
 
@@ -21,9 +25,8 @@ std::vector<ZZ> sampleNumbers() {
   std::mt19937_64 random(1);
   for (int i = 0; i < 30; ++i) {
     ZZ number = static_cast<long long>(random() >> (1 + random() % 60));
-    for (std::uint64_t factors = random() % 3; factors > 0; --factors) {
+    for (std::uint64_t factors = random() % 3; factors > 0; --factors)
       number = number * ZZ(static_cast<long long>(random() >> (1 + random() % 60)));
-    }
     numbers.push_back(number);
   }
   for (std::size_t i = numbers.size(); i-- > 0;) numbers.push_back(-numbers[i]);
@@ -74,6 +77,64 @@ TEST(Integer, GoesToRealNumbersAndBack) {
   std::ostringstream text;
   text << Integer::fromReal(-0x1p80L);
   EXPECT_EQ(text.str(), "-1208925819614629174706176");
+}
+
+template <typename T>
+class IntegerRows : public testing::Test {
+ protected:
+  static std::string product(const char* a, const char* b) {
+    IntegerRow left;
+    IntegerRow right;
+    left.take(vector<T>("[ 1 1 1 1 ]"));  // is forgotten
+    if (!left.take(vector<T>(a)) || !right.take(vector<T>(b))) return "not taken";
+    const auto result = left * right;
+    EXPECT_EQ(result, right * left);
+    return result ? std::to_string(*result) : "too great";
+  }
+};
+using BothNumbers = testing::Types<dbl_t, QQ>;
+TYPED_TEST_SUITE(IntegerRows, BothNumbers);
+
+TYPED_TEST(IntegerRows, MultiplyUpToTheLimit) {
+  struct Case {
+    const char* a;
+    const char* b;
+    const char* product;
+  };
+  for (const Case& c : {Case{"[ 2 -3 5 ]", "[ 7 11 -13 ]", "-84"},
+                        {"[ 800000000000000000 -800000000000000000 800000000000000000 "
+                         "800000000000000000 800000000000000000 ]",
+                         "[ -1 1 -1 -1 -1 ]", "-4000000000000000000"},
+                        {"[ 800000000000000000 -800000000000000000 800000000000000000 "
+                         "800000000000000000 800000000000000000 ]",
+                         "[ -1 1 -1 -1 -2 ]", "too great"},
+                        {"[ 2000000000 2000000000 ]", "[ 1000000000 -1000000000 ]", "0"},
+                        {"[ 2000000000 2000000000 ]", "[ 1000000001 -1000000000 ]", "too great"},
+                        {"[ 2000000000 1 ]", "[ -1000000000 -1000000000 ]", "-2000000001000000000"},
+                        {"[ 1 2 ]", "[ 1 2 3 ]", "too great"},
+                        {"[ ]", "[ ]", "too great"},
+                        {"[ 800000000000000000 -800000000000000000 800000000000000000 "
+                         "800000000000000000 800000000000000000 -1 ]",
+                         "[ 0 0 0 0 0 0 ]", "not taken"},
+                        {"[ 10000000000000000000 ]", "[ 0 ]", "not taken"},
+                        {"[ 1 0.5 ]", "[ 1 1 ]", "not taken"},
+                        {"[ 1 -inf ]", "[ 1 1 ]", "not taken"}}) {
+    EXPECT_EQ(this->product(c.a, c.b), c.product) << c.a << c.b;
+  }
+  IntegerRow row;
+  EXPECT_FALSE(row.isTaken());
+  row.take(vector<TypeParam>("[ 0.5 ]"));
+  EXPECT_TRUE(row.isTaken());
+  EXPECT_TRUE(row.isEmpty());
+  row.clear();
+  EXPECT_FALSE(row.isTaken());
+}
+
+TYPED_TEST(IntegerRows, MakeProductsOfMatrices) {
+  const auto A = matrix<TypeParam>("[ [ 1 2 ] [ 0.5 1 ] [ 4000000000000000000 1 ] ]");
+  MatrixProduct<TypeParam> product(A);
+  for (const char* const x : {"[ 3 4 ]", "[ 0.25 4 ]", "[ 1 -1 ]"})
+    EXPECT_EQ(joined(product(vector<TypeParam>(x))), joined(A * vector<TypeParam>(x))) << x;
 }
 
 }  // namespace

@@ -328,9 +328,8 @@ TEST(QQDeathTest, ReportsWhatIsImpossible) {
       {[&] { x = root(-4, 2); }, "QQ: complex roots are not implemented"},
       {[&] { power(2, -1, a); }, "\\[ ZZ::operator \\^ \\] Exponent < 0 \n"},
       {[&] { a.base_rshift(1); }, "ZZ::base_rshift steps > N"}};
-  for (const auto& [operation, text] : cases) {
+  for (const auto& [operation, text] : cases)
     EXPECT_EXIT(operation(), testing::ExitedWithCode(1), text);
-  }
   const std::pair<const char*, std::string> numbers[] = {
       {"QQ: parse error1", "+ - 1.0 2.00 1. 1: 1e e1 1e1e"},
       {"QQ: parse error2", "ix -i --1.i"},
@@ -342,9 +341,8 @@ TEST(QQDeathTest, ReportsWhatIsImpossible) {
        "+-5/3 --5.3 --1:1/2"}};
   for (const auto& [report, texts] : numbers) {
     std::istringstream words(texts);
-    for (std::string text; words >> text;) {
+    for (std::string text; words >> text;)
       EXPECT_EXIT(QQ{text}, testing::ExitedWithCode(1), report) << text;
-    }
   }
   EXPECT_EXIT(std::istringstream(" ") >> x, testing::ExitedWithCode(1), "QQ: parse error1");
   EXPECT_EXIT(std::istringstream("x1") >> x, testing::ExitedWithCode(1), "QQ: parse error1");

@@ -204,9 +204,8 @@ TYPED_TEST(Reduction, SetsTheKernelOfTheEquationsApart) {
     const auto isInKernel = [m](const Vector<T>& row) {
       return std::all_of(row.data + 1, row.data + m + 1, [](const T& x) { return isZero<T>(x); });
     };
-    for (std::int64_t i = 1; i <= latRows; ++i) {
+    for (std::int64_t i = 1; i <= latRows; ++i)
       EXPECT_EQ(isInKernel(B[i]), i <= latRows - m) << i << B;
-    }
   }
 }
 

@@ -25,9 +25,8 @@ TYPED_TEST(Candidates, GetTheirWords) {
   using T = typename TypeParam::T;
   const auto judged = [](auto& engine, const Matrix<T>& rows) {
     std::string result;
-    for (const auto& v : rows.elements()) {
+    for (const auto& v : rows.elements())
       result += std::to_string(engine.lattice.checkSolution(v, false, 5, false)) + " ";
-    }
     return result;
   };
   Engine<TypeParam> sum(SUM_OF_TWO);
@@ -48,9 +47,8 @@ TYPED_TEST(Candidates, GetTheirWords) {
   Engine<TypeParam> shortest(SHORTEST);
   shortest.lattice.params.snorm.current = T{};
   Matrix<T> points;
-  for (const char* const x : {"[ 3 2 ]", "[ 3 2 ]", "[ 5 1 ]", "[ 1 3 ]", "[ -1 4 ]"}) {
+  for (const char* const x : {"[ 3 2 ]", "[ 3 2 ]", "[ 5 1 ]", "[ 1 3 ]", "[ -1 4 ]"})
     points.appendRow(shortest.latticeVector(vector<T>(x)));
-  }
   points[4].negate();
   EXPECT_EQ(judged(shortest, points), "30 2 2 30 0 ");
   const auto& best = shortest.lattice.found.bestTarget;
@@ -175,9 +173,8 @@ TYPED_TEST(Candidates, ThatFailAreMeasured) {
   EXPECT_EQ(measured(lattice, at("[ 6 -1 ]"), true), "2 4 3 2 1 2 | 2 3 2 4 8 137 0 inf");
   EXPECT_EQ(measured(lattice, vector<T>("[ 0 2 -2 0 ]"), true), "4 1 | 1 1 4 1 1 8 0 inf");
   // Collected are those that are not too long; the best one is kept for itself.
-  for (const char* const x : {"[ 9 9 ]", "[ 5 0 ]", "[ 5 5 ]", "[ -1 2 ]"}) {
+  for (const char* const x : {"[ 9 9 ]", "[ 5 0 ]", "[ 5 5 ]", "[ -1 2 ]"})
     EXPECT_EQ(lattice.checkSolution(at(x), false, 7, false), 0);
-  }
   lattice.checkSolution(vector<T>("[ 0 2 -2 0 ]"), false, 0, false);
   EXPECT_EQ(words(lattice.found.bestHeuristic, lattice.found.bestHeuristic.time),
             words(at("[ -1 2 ]"), 7));
@@ -248,9 +245,8 @@ TYPED_TEST(Candidates, SurviveABackupInEachForm) {
   using T = typename TypeParam::T;
   Engine<TypeParam> engine(SUM_OF_TWO);
   auto& lattice = engine.lattice;
-  for (const char* const x : {"[ 2 1 ]", "[ 4 -1 ]", "[ 0 3 ]", "[ 5 -2 ]"}) {
+  for (const char* const x : {"[ 2 1 ]", "[ 4 -1 ]", "[ 0 3 ]", "[ 5 -2 ]"})
     lattice.checkSolution(engine.latticeVector(vector<T>(x)), false, 3, false);
-  }
   lattice.program.solStars.resize(1, false);
   const auto state = [&] {
     const auto& found = lattice.found;

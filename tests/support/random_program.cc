@@ -16,9 +16,8 @@ std::int64_t tenTo(int exponent) { return exponent == 0 ? 1 : 10 * tenTo(exponen
 std::string text(std::int64_t units) {
   constexpr std::int64_t TENTH = RandomProgram::UNIT / 10;
   if (units % RandomProgram::UNIT == 0) return std::to_string(units / RandomProgram::UNIT);
-  if (units % TENTH == 0 && units > 0) {
+  if (units % TENTH == 0 && units > 0)
     return std::to_string(units / RandomProgram::UNIT) + "." + std::to_string(units / TENTH % 10);
-  }
   return std::to_string(units) + "/" + std::to_string(RandomProgram::UNIT);
 }
 
