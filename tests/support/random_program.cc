@@ -43,6 +43,11 @@ std::string matrixText(const Rows& rows) {
 
 }  // namespace
 
+std::uint64_t rounds() {
+  const char* const text = std::getenv("VEXIL_ROUNDS");
+  return text == nullptr ? 1 : std::stoull(text);
+}
+
 RandomProgram::RandomProgram(std::uint64_t seed) : generator_(seed) {
   drawVariables();
   drawEquations();

@@ -16,6 +16,10 @@ namespace vexil::support {
 
 using Point = std::vector<std::int64_t>;
 
+/// How often the usual number of random programs is tried: VEXIL_ROUNDS of the environment, or
+/// once.
+[[nodiscard]] std::uint64_t rounds();
+
 /// A program over X[i] = 10^decimals[i] x[i], counted from 0, with all its points in a box that the
 /// solver may have to find out. Numbers of the program are whole in units of 1 / 60, values of rows
 /// in units of 1 / 6000.
