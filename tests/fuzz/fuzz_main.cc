@@ -24,31 +24,6 @@
 namespace vexil::fuzz {
 namespace {
 
-using Texts = std::vector<std::string>;
-
-const Texts OPT_FILES = {
-    "[ -inf ] [ [ 1 1 ] ] [ ] [ ] [ ] [ ] [ ] [ 0 0 ] [ 0 0 ] [ 9 9 ]\n",
-    "[ -inf inf 5 ] = [ 0 9 5 ] [ [ 1 2 ] [ 3 1 ] [ 1 1 ] ] [ [ 1 -1 ] ] [ 1 ]\n"
-    "[ [ 1 1 ] [ 2 0 ] ] [ -inf 0 ] [ 9 inf ] [ 0 0 ] [ 0 0 ] [ 9 9 ]\n",
-    "// no targets\n[ ] [ ] [ ] [ ] [ [ 1 1 ] ] [ -inf ] [ 999 ] [ 0 0 ] [ -inf -9 ] [ inf 99 ]\n",
-    "[ 1/2 -7:1/3 ] /* two */ [ [ 1/3 0.25 ] [ .5 123456789012345678 ] ] [ ] [ ] [ ] [ ] [ ]\n"
-    "[ 0 2 ] [ 0,5 0 ] [ 9 123456789012345678901 ]\n",
-    "[ inf ] [ [ 1234567 1e17 ] ] [ ] [ ] [ ] [ ] [ ] [ 0 0 ] [ 0 0 ] [ 9 9 ]\n",
-    "[ ] [ ] [ [ 1 2 3 ] [ 4 5 ] ] [ 6 7 ] [ ] [ ] [ ] [ 0 0 0 ] [ 0 0 0 ] [ 9 9 9 ]\n",
-};
-
-const Texts SOL_FILES = {
-    "[ 2 1 ] | 3 | [ 3 ] | 0 | 7 | --a=1 | 2.2.3\n[ 3 1 ] | 4 | [ 4 ] | 0 | -1 | --b=2 | 2.2.3\n",
-    "[ 2 1 ]\n[ 3 2 ]\n[ 2 1 ]\n[ 10 0 ]\n[ 11 0 ]\n",
-    "[ 2 1 ] | 1/3 | [ ] | -1:1/2 | 3661 | --a=1\n[ 1 0 ] | 0 | [ 1 2 3 ] | -1 | 5 | --a=1 | "
-    "2.10\n",
-    "/* c */ [ 1/3 0.5 ] // c\n | 0 /* c */ | [ 1/7 ] | 0 | 60 | // c\n --a=1 // kept | 2.2.3\n",
-    "[ 3 123456789012345678 ] | 99999999999999999/100000000000000000 | [ ] | 0 | -1 | --a=1\n",
-    "[ inf 1 ] | inf | [ inf ] | 0 | -1 | \n[ -inf 99999999999999999 ] | -inf | [ ] | 0 | 0 | x | "
-    "y | z\n",
-    "",
-};
-
 const Texts SOLVE_OPTIONS = {"--rtime=1",
                              "--rtime=1 --sol=0",
                              "--rtime=1 --sol=3 --eenum=0",
@@ -80,7 +55,9 @@ class Attempt {
     const auto pick = [&](const Texts& texts, bool asItStands) {
       return asItStands ? texts[below(random_, texts.size())] : mutated(texts, random_);
     };
-    files_ = {{"x.opt", pick(OPT_FILES, whole == 0)}, {"x.sol", pick(SOL_FILES, whole == 1)}};
+    static const Texts programs = corpus(".opt");
+    static const Texts stars = corpus(".sol");
+    files_ = {{"x.opt", pick(programs, whole == 0)}, {"x.sol", pick(stars, whole == 1)}};
     for (const auto& [name, text] : files_) support::writeFile(folder_ / name, text);
     support::ToolRun tool{.folder = folder_.path(), .arguments = {"x.sol"}};
     if (below(random_, 2) == 0) {

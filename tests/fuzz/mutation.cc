@@ -4,7 +4,10 @@
 #include <algorithm>
 #include <functional>
 #include <iterator>
+#include <map>
 #include <sstream>
+
+#include "support/tool_run.h"
 
 namespace vexil::fuzz {
 namespace {
@@ -44,13 +47,13 @@ Piece anyWord(const std::string& text, Random& random) {
   return {start, std::min(text.find_first_of(BLANKS, inside), text.size()) - start};
 }
 
-void mutate(std::string& text, const std::vector<std::string>& corpus, Random& random) {
+void mutate(std::string& text, const Texts& texts, Random& random) {
   static const std::vector<std::string> WORDS = makeWords();
   const auto cut = [&](const Piece& piece) { return text.substr(piece.start, piece.length); };
   const Piece piece = anyPiece(text, random);
   const Piece word = anyWord(text, random);
   const std::string& newWord = WORDS[below(random, WORDS.size())];
-  const std::string& other = corpus[below(random, corpus.size())];
+  const std::string& other = texts[below(random, texts.size())];
   const std::function<void()> changes[] = {
       [&] { text.insert(piece.start, newWord); },
       [&] { text.replace(word.start, word.length, newWord); },
@@ -80,10 +83,21 @@ std::size_t below(Random& random, std::size_t limit) {
   return std::uniform_int_distribution<std::size_t>(0, limit - 1)(random);
 }
 
-std::string mutated(const std::vector<std::string>& corpus, Random& random) {
-  const std::string original = corpus[below(random, corpus.size())];
+Texts corpus(const std::string& extension) {
+  std::map<std::string, std::string> texts;
+  for (const auto& entry :
+       std::filesystem::directory_iterator(VEXIL_SOURCE_DIR "/tests/fuzz/corpus"))
+    if (entry.path().extension() == extension)
+      texts[entry.path().filename().string()] = support::readFile(entry.path()).value();
+  Texts result;
+  for (const auto& [name, text] : texts) result.push_back(text);
+  return result;
+}
+
+std::string mutated(const Texts& texts, Random& random) {
+  const std::string original = texts[below(random, texts.size())];
   std::string text = original;
-  for (std::size_t i = below(random, 5); i > 0; --i) mutate(text, corpus, random);
+  for (std::size_t i = below(random, 5); i > 0; --i) mutate(text, texts, random);
   return isClosed(text, "/*", "*/") && isClosed(text, "//", "\n") ? text : original;
 }
 

@@ -114,6 +114,19 @@ TYPED_TEST(Embeddings, RefuseVectorsThatAreNone) {
   Vector<T> point;
   lattice.lat2opt(image, point, false, true);
   EXPECT_EQ(joined(point), "[ 1 3 4 ]");
+  const bool guarded = std::is_same_v<T, dbl_t>;
+  const auto map = [&] { lattice.lat2opt(image, point, true, true); };
+  lattice.lx[1] = T(2e9L);
+  EXPECT_EQ(thrown(map), guarded ? "opt_vec overflow1" : "");
+  image[1] = T(2e9L);
+  EXPECT_EQ(thrown(map), guarded ? "lat_vec overflow" : "");
+  testing::internal::CaptureStderr();
+  lattice.writeEnabled = true;
+  lattice.writeLatFile();
+  lattice.writeSolFile(true);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "\n*** latFile is not set - lattice write not possible\n"
+            "\n*** solFile is not set - solution write not possible\n");
 }
 
 }  // namespace

@@ -100,6 +100,9 @@ TEST(EliminationOfLongNumbers, SeesEveryDependence) {
   auto parallel = matrix<QQ>("[ [1000000000 1000000001] [999999999 1000000000] ]");
   EXPECT_EXIT(removeDependentRows(parallel), ExitedWithCode(1),
               "Coordinates of dependent row could not be computed!");
+  auto uneven = matrix<dbl_t>("[ [1000 1] [1414.2135623730951 1.4142135623730951] ]");
+  EXPECT_EXIT(removeDependentRows(uneven), ExitedWithCode(1),
+              "Dependent row could not be eliminated!");
 }
 
 TYPED_TEST(Elimination, SolvesForCoordinates) {
