@@ -14,6 +14,7 @@ constexpr int ROUNDS_OF_A_NODE = 3;
 constexpr std::int64_t WORK_BETWEEN_STOPS = std::int64_t{1} << 22;
 constexpr double LEAST_GAIN = 1e-6;
 constexpr int RELIABLE = 4;
+constexpr int MOST_KEPT = 6;
 constexpr int MOST_TRIED = 8;
 constexpr int PIVOTS_OF_A_TRIAL = 20;
 
@@ -128,8 +129,15 @@ template <typename Z>
 bool Tree<Z>::dive() {
   nextDive = 4 * nodeCount;
   const std::int64_t before = relaxation.work();
-  for (const auto kind : {Dive<Z>::Kind::Nearest, Dive<Z>::Kind::Locks, Dive<Z>::Kind::Kept}) {
+  for (const auto kind : {Dive<Z>::Kind::Nearest, Dive<Z>::Kind::Locks}) {
     Dive<Z>(forms, candidates, relaxation, state, stop).run(kind);
+  }
+  // A better point is a better one to look around.
+  Z last = state.cut;
+  for (int turn = 0; turn < MOST_KEPT && state.hasCut && !state.finished; ++turn) {
+    Dive<Z>(forms, candidates, relaxation, state, stop).run(Dive<Z>::Kind::Kept);
+    if (!(state.cut < last)) break;
+    last = state.cut;
   }
   diveWork += relaxation.work() - before;
   return relaxation.followState() != NodeState::Empty &&
