@@ -91,20 +91,32 @@ class Search : public StopToken {
   /// then within the box, then for a proof that nothing lies outside.
   Outcome answerUnbounded() {
     const bool asksForAll = program.dt.MN == 0 && settings.wanted == 0;
+    Vector<QQ> ray;
     if (program.dt.MN > 0 ? !incumbent.collects() : asksForAll) {
       enter("rays");
-      const Vector<QQ> ray = findRay();
-      if (ray.MN > 0) {
-        const Vector<QQ> point = findPoint();
-        if (point.MN > 0) incumbent.take(point);
-        if (incumbent.points() > 0) {
-          Outcome outcome = answer(false);
-          outcome.status = program.dt.MN > 0 ? Status::Unbounded : Status::Feasible;
-          outcome.ray = primitive(model, ray);
-          return outcome;
-        }
-      }
+      ray = findRay();
+      if (ray.MN > 0 && takeAnyPoint()) return answerAlong(ray);
     }
+    const Model whole = model;
+    const Outcome outcome = answerBox();
+    if (outcome.limitation.empty()) return outcome;
+    model = whole;
+    if (!boundByPrograms(model, *this)) return outcome;
+    enter("presolve");
+    if (const char* reason = presolve(model, *this)) return answer(proved(reason));
+    if (ray.MN > 0 && takeAnyPoint()) return answerAlong(ray);
+    boxed = hasArtificialSides(model);
+    return boxed ? answerBox() : answer(exhaust());
+  }
+
+  Outcome answerAlong(const Vector<QQ>& ray) {
+    Outcome outcome = answer(false);
+    outcome.status = program.dt.MN > 0 ? Status::Unbounded : Status::Feasible;
+    outcome.ray = primitive(model, ray);
+    return outcome;
+  }
+
+  Outcome answerBox() {
     const Model whole = model;
     const bool complete = exhaust();
     if (!complete || !boxed || incumbent.enough() || isWhole(whole)) return answer(complete);
@@ -165,13 +177,21 @@ class Search : public StopToken {
     return {};
   }
 
-  /// Any point.
-  Vector<QQ> findPoint() {
+  /// True if a point is known, or one is found in the box of the model.
+  bool takeAnyPoint() {
     Vexil<QQ> plain = program;
     plain.At.clear();
     plain.dt.clear();
     plain.kt.clear();
-    return findWithin(plain, Settings{});
+    const Vector<QQ> units = programPoint(model, std::vector<ZZ>(model.n, 1));
+    for (std::size_t i = 0; i < model.n; ++i) {
+      const QQ& unit = units.data[i + 1];
+      if (model.lower[i].isProved()) plain.lx.data[i + 1] = QQ(model.lower[i].value) * unit;
+      if (model.upper[i].isProved()) plain.rx.data[i + 1] = QQ(model.upper[i].value) * unit;
+    }
+    const Vector<QQ> point = findWithin(plain, Settings{});
+    if (point.MN > 0) incumbent.take(point);
+    return incumbent.points() > 0;
   }
 
   Vector<QQ> findWithin(const Vexil<QQ>& other, const Settings& sought) {

@@ -17,6 +17,14 @@ namespace vexil::solver {
 namespace {
 
 constexpr int PIVOTS_OF_A_SIDE = 1000;
+constexpr std::int64_t LARGE_WIDTH = std::int64_t{1} << 40;
+
+/// A proved side of a variable.
+struct ProvedSide {
+  std::size_t variable;
+  bool isLower;
+  ZZ value;
+};
 
 ZZ ceiling(const QQ& x) {
   const ZZ whole = wholeSigned(x);
@@ -88,6 +96,27 @@ class BoxProof {
       proved.bound = onCoset(provedRange(dictionary, items.objective).low);
     }
     return proved;
+  }
+
+  /// What is proved in place of artificial sides.
+  [[nodiscard]] std::vector<ProvedSide> provedSides() const {
+    std::vector<ProvedSide> sides;
+    Dictionary dictionary(items);
+    dictionary.heed(stop);
+    for (std::size_t f = 0; f < forms.count; ++f) {
+      if (forms.kind[f] != FormKind::Variable) continue;
+      for (const bool isLower : {true, false}) {
+        if (isLower ? hasLower(f) : hasUpper(f)) continue;
+        throwIfStopped(stop);
+        dictionary.setCost(f, isLower ? 1 : -1);
+        if (dictionary.solve(PIVOTS_OF_A_SIDE) != LpEnd::Optimal) continue;
+        const Range range = provedRange(dictionary, f);
+        const std::optional<QQ>& bound = isLower ? range.low : range.high;
+        if (!bound) continue;
+        sides.push_back({forms.source[f], isLower, isLower ? ceiling(*bound) : -ceiling(-*bound)});
+      }
+    }
+    return sides;
   }
 
  private:
@@ -229,6 +258,26 @@ Vector<QQ> primitive(const Model& model, Vector<QQ> ray) {
 
 WithoutBox provedWithoutBox(const Model& model, StopToken& stop) {
   return prove<WithoutBox>(model, stop, [](const auto& box) { return box.withoutBox(); });
+}
+
+bool boundByPrograms(Model& model, StopToken& stop) {
+  Model large = model;
+  for (std::size_t i = 0; i < model.n; ++i) {
+    if (large.lower[i].artificial) large.lower[i].value = large.lower[i].value - ZZ(LARGE_WIDTH);
+    if (large.upper[i].artificial) large.upper[i].value = large.upper[i].value + ZZ(LARGE_WIDTH);
+  }
+  const auto sides = prove<std::vector<ProvedSide>>(
+      large, stop, [](const auto& box) { return box.provedSides(); });
+  if (sides.empty()) return false;
+  for (auto* const all : {&model.lower, &model.upper}) {
+    for (Side& side : *all) {
+      if (side.artificial) side = {};
+    }
+  }
+  for (const ProvedSide& side : sides) {
+    (side.isLower ? model.lower : model.upper)[side.variable] = {true, false, side.value};
+  }
+  return true;
 }
 
 bool staysInBox(const Model& model, const std::optional<ZZ>& greatest, StopToken& stop) {

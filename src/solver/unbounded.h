@@ -31,6 +31,11 @@ struct WithoutBox {
 /// and from the coset of the objective. Throws `Stopped`.
 [[nodiscard]] WithoutBox provedWithoutBox(const Model& model, StopToken& stop);
 
+/// Puts what linear programs over a much larger box prove of variables by exact multipliers, as
+/// `provedWithoutBox` has them, in the place of artificial sides; the others are left open. False,
+/// with nothing changed, if nothing is proved. Throws `Stopped`.
+[[nodiscard]] bool boundByPrograms(Model& model, StopToken& stop);
+
 /// Tells whether every real point of the presolved `model`, with an objective up to `greatest` if
 /// that is given, is within the box, which holds if the box contains one such point, as the caller
 /// knows, and no artificial side is reached by such a point of the box: the set is convex. Nothing

@@ -284,11 +284,17 @@ const Case CASES[] = {
      "[ -inf ][ [ 1 1 ] ][ ][ ][ [ 1 -2 ] [ 1 -3 ] ][ 5000000 0 ][ 5000000 0 ][ 0 0 ][ -inf -inf ]"
      "[ inf inf ]",
      1, Status::Optimal, "20000000", ""},
-    // The points are beyond the box: no claim.
     {"FarAway",
      "[ ][ ][ ][ ][ [ 1 -2 ] [ 1 -3 ] ][ 5000000 0 ][ 5000000 1 ][ 0 0 ][ -inf -inf ][ "
      "inf inf ]",
-     1, Status::Unknown, "", ""},
+     1, Status::Feasible, "", ""},
+    {"FarAwayForEver",
+     "[ ][ ][ ][ ][ [ 1 -1 ] [ 1 1 ] ][ 5000000 0 ][ inf 1 ][ 0 0 ][ -inf -inf ][ inf inf ]", 0,
+     Status::Feasible, "", "[ 1 -1 ]"},
+    {"FarAwayBest",
+     "[ -inf ][ [ 1 0 ] ][ ][ ][ [ 1 -1 ] [ 1 1 ] ][ 5000001 0 ][ inf 1 ][ 0 1 ][ -inf -inf ]"
+     "[ inf inf ]",
+     1, Status::Optimal, "2500001", ""},
 };
 INSTANTIATE_TEST_SUITE_P(Cases, WithoutBounds, testing::ValuesIn(CASES),
                          [](const auto& chosen) { return chosen.param.name; });
