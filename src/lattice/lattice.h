@@ -358,7 +358,7 @@ class Lattice : public Vexil<T> {
   // --- solutions/collections.tcc ---
   [[nodiscard]] bool isOfNoUse(std::int64_t k);
   template <typename Visitor>
-  void forEachViolation(const Vector<T>& x, Visitor visit) const;
+  void forEachViolation(const Vector<T>& vector, Visitor visit) const;
   void measureViolations(const Vector<T>& x, HeuristicVector<T, U>& result) const;
   [[nodiscard]] HeuristicVector<T, U> deviationOf(const Vector<T>& x, const T& length) const;
   [[nodiscard]] Vector<T> mappedPoint(const Vector<T>& vector) const;

@@ -72,7 +72,8 @@ template <typename T, typename U>
     if (a.kind == 0 || b.kind == 0) fail("Heuristic deviation is not initialized!");
     return a.kind == 2;
   }
-  if (a.kind == 1 && differ(a.euclidNorm, b.euclidNorm)) return less(a.euclidNorm, b.euclidNorm);
+  if (a.kind == 1 && less(b.euclidNorm, a.euclidNorm)) return false;  // as in most comparisons
+  if (a.kind == 1 && less(a.euclidNorm, b.euclidNorm)) return true;
   if (a.inBounds) return !b.inBounds || less(a.targetNorm, b.targetNorm);
   if (b.inBounds) return false;
   if (a.violations != b.violations) return a.violations < b.violations;

@@ -139,8 +139,10 @@ bool Membership<T>::invert(const Matrix<S>& rows) {
     }
     std::swap(work[rank], work[pivot]);
     pivots_.push_back(j);
-    const Residue scale = inverse(work[rank][j]);
-    for (Residue& x : work[rank]) x = product(x, scale);
+    if (const Residue value = work[rank][j]; value != 1) {
+      const Residue scale = inverse(value);
+      for (Residue& x : work[rank]) x = product(x, scale);
+    }
     for (std::size_t i = 0; i < m; ++i) {
       const Residue factor = work[i][j];
       if (i == rank || factor == 0) continue;
