@@ -235,9 +235,9 @@ class Lattice : public Vexil<T> {
   /// You should set the check vectors!".
   int checkSolution(const Vector<T>& vector, bool isLatticeVector, std::int64_t time, bool replay);
 
-  /// `checkSolution` of row k of the basis, without its word. Most rows are seen to be of no use
-  /// without a copy of them.
-  void checkRow(std::int64_t k);
+  /// `checkSolution` of row k of the basis; whether its word is 0, after which the row is of no use
+  /// as long as it stays and no other is checked. Most rows are seen to be that without a copy.
+  bool checkRow(std::int64_t k);
 
   /// Whether the last coordinate has the sign of the reference.
   [[nodiscard]] bool hasRightSign(const Vector<T>& vector, bool isLatticeVector) const;
@@ -349,6 +349,9 @@ class Lattice : public Vexil<T> {
   template <typename Change>
   void keepFound(std::int8_t mode, std::int64_t cut, Change change);
   void restrictToKernel(const SerializableArray<Matrix<T>>& transformations);
+
+  // --- reduction/lll.tcc ---
+  bool visitRow(std::int64_t k, std::int64_t kk, bool& blended, const T*& useless);
 
   // --- solutions/check.tcc ---
   [[nodiscard]] Vector<T> normalised(const Vector<T>& vector, bool isLatticeVector) const;

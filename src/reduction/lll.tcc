@@ -64,6 +64,7 @@ std::int64_t Lattice<T, U>::lll(std::int64_t start, std::int64_t m, std::int64_t
   const std::int64_t t0 = std::time(nullptr);
   std::int64_t last = t0;
   bool blended = false;
+  const T* useless = nullptr;
   std::int64_t k = start;
   std::int64_t steps = 0;
   std::int64_t skipped = 0;
@@ -72,7 +73,7 @@ std::int64_t Lattice<T, U>::lll(std::int64_t start, std::int64_t m, std::int64_t
       ++k;
       continue;
     }
-    if (!reduceStep(k, kk, blended)) break;
+    if (!visitRow(k, kk, blended, useless)) break;
     const std::int64_t now = std::time(nullptr);
     if (params.btime.current != 0 && now - t0 >= params.btime.current) break;
     if (params.verb.current >= 2 && now > last + STATUS_INTERVAL) {
@@ -95,7 +96,7 @@ std::int64_t Lattice<T, U>::lll(std::int64_t start, std::int64_t m, std::int64_t
   } else if (skipped == 0) {
     --interval_tt;
   }
-  for (std::int64_t j = k; j <= m && reduceStep(j, kk, blended); ++j) {
+  for (std::int64_t j = k; j <= m && visitRow(j, kk, blended, useless); ++j) {
   }
   gramSchmidt.keepDependent = false;
   return std::min(k, start);
@@ -103,22 +104,34 @@ std::int64_t Lattice<T, U>::lll(std::int64_t start, std::int64_t m, std::int64_t
 
 template <typename T, typename U>
 bool Lattice<T, U>::reduceStep(std::int64_t k, std::int64_t kk, bool& blended) {
+  const T* useless = nullptr;
+  return visitRow(k, kk, blended, useless);
+}
+
+/// `useless` is the storage of the row that was checked last, if that was in vain: behind an
+/// exchange it comes next, as it was.
+template <typename T, typename U>
+bool Lattice<T, U>::visitRow(std::int64_t k, std::int64_t kk, bool& blended, const T*& useless) {
   gramSchmidt.keepDependent = k >= 2;
-  checkRow(k);
-  if (sizeReduce(k, blended)) checkRow(k);
+  bool inVain = basis.B[k].data == useless || checkRow(k);
+  useless = nullptr;
+  if (sizeReduce(k, blended)) inVain = checkRow(k);
   std::int64_t r = 0;
   try {
     r = blend(k, kk);
   } catch (const DependencyException&) {
     return false;
   }
-  if (r == 0) return true;
+  if (r == 0) {
+    if (inVain) useless = basis.B[k].data;
+    return true;
+  }
   if (r < 0) {
     blended = true;
     r = -r;
   }
   for (; r <= k; ++r) {
-    if (!reduceStep(r, kk, blended)) return false;
+    if (!visitRow(r, kk, blended, useless)) return false;
   }
   return true;
 }

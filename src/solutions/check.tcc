@@ -45,8 +45,8 @@ int Lattice<T, U>::checkSolution(const Vector<T>& vector, bool isLatticeVector, 
 }
 
 template <typename T, typename U>
-void Lattice<T, U>::checkRow(std::int64_t k) {
-  if (!isOfNoUse(k)) checkSolution(basis.B[k], true, 0, false);
+bool Lattice<T, U>::checkRow(std::int64_t k) {
+  return isOfNoUse(k) || checkSolution(basis.B[k], true, 0, false) == 0;
 }
 
 /// The candidate with the sign of the reference and out of the weighted form.
