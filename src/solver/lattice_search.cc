@@ -11,6 +11,8 @@ namespace vexil::solver {
 namespace {
 
 constexpr std::int64_t FIRST_BUDGET = std::int64_t{1} << 22;
+constexpr std::int64_t LAST_RESTART = 6;
+constexpr double HARDLY_BEGUN = 0.02;
 constexpr std::int64_t FIRST_TRIAL = std::int64_t{1} << 20;
 constexpr int TURNS_OF_A_TRIAL = 6;
 constexpr std::int64_t TRIAL_OF_ROOT = 64;  ///< times the work of the root
@@ -190,10 +192,39 @@ LatticeEnd LatticeSearch<Z>::search(Relaxation<Z>& relaxation, bool mayNarrow) {
   rootWork = relaxation.work() - this->work;
   const std::size_t objective = relaxation.items().objective;
   if (objective != NONE) this->raiseBound(relaxation.lower(objective));
-  tree = std::make_unique<Tree<Z>>(forms, relaxation, *this, *this);
-  const LatticeEnd end = searchRounds();
+  plant(relaxation);
+  const LatticeEnd end = searchRounds(relaxation);
   report();
   return end;
+}
+
+/// A new tree, which knows what the one before learned.
+template <typename Z>
+void LatticeSearch<Z>::plant(Relaxation<Z>& relaxation) {
+  auto next = std::make_unique<Tree<Z>>(forms, relaxation, *this, *this);
+  if (tree) {
+    next->learnFrom(*tree);
+    trialNodes += tree->nodes();
+  }
+  tree = std::move(next);
+}
+
+/// Depth first, a wrong choice near the root costs most: behind some rounds a tree that is hardly
+/// begun starts anew, with what it has learned.
+template <typename Z>
+bool LatticeSearch<Z>::isStuck(std::int64_t round) const {
+  return !forms.ordered && round % 2 == 0 && round > 0 && round <= LAST_RESTART &&
+         tree->progress() < HARDLY_BEGUN;
+}
+
+template <typename Z>
+NodeState LatticeSearch<Z>::replant(Relaxation<Z>& relaxation) {
+  tree->abandon();
+  if (relaxation.followState() == NodeState::Empty || relaxation.examine(1) == NodeState::Empty) {
+    return NodeState::Empty;
+  }
+  plant(relaxation);
+  return NodeState::Open;
 }
 
 /// Cuts, and between them trees that are given up: each gets as much work as all cuts before it,
@@ -208,7 +239,7 @@ NodeState LatticeSearch<Z>::cutRoot(Relaxation<Z>& relaxation) {
     this->raiseBound(relaxation.lower(objective));
     rootWork = relaxation.work() - this->work;
     if (cuts.ended() || !settings.tree) continue;
-    tree = std::make_unique<Tree<Z>>(forms, relaxation, *this, *this);
+    plant(relaxation);
     enter("tree");
     for (int turn = 0; turn == 0 || (turn < TURNS_OF_A_TRIAL &&
                                      tree->progress() * (TURNS_OF_A_TRIAL - turn) > turn);
@@ -216,8 +247,6 @@ NodeState LatticeSearch<Z>::cutRoot(Relaxation<Z>& relaxation) {
       if (tree->run(budget) == RunEnd::Exhausted) return NodeState::Empty;
     }
     tree->abandon();
-    trialNodes += tree->nodes();
-    tree.reset();
     enter("root");
     if (relaxation.followState() == NodeState::Empty || relaxation.examine(1) == NodeState::Empty) {
       return NodeState::Empty;
@@ -245,7 +274,7 @@ std::unique_ptr<typename LatticeSearch<Z>::Enumerator> LatticeSearch<Z>::makeEnu
 /// Rounds of doubled budgets. Each search resumes; the one that seems to have more than four times
 /// as much before it gets an eighth.
 template <typename Z>
-LatticeEnd LatticeSearch<Z>::searchRounds() {
+LatticeEnd LatticeSearch<Z>::searchRounds(Relaxation<Z>& relaxation) {
   bool enumerates = settings.enumeration && (forms.ordered || !settings.tree);
   std::int64_t treeWork = 0;
   std::int64_t budget = FIRST_BUDGET;
@@ -264,6 +293,7 @@ LatticeEnd LatticeSearch<Z>::searchRounds() {
       const RunEnd end = tree->run(treeBudget);
       treeWork += this->work - before;
       if (end == RunEnd::Exhausted) return LatticeEnd::Exhausted;
+      if (isStuck(round) && replant(relaxation) == NodeState::Empty) return LatticeEnd::Exhausted;
     }
     if (enumerationBudget > 0) {
       if (!enumerator) enumerator = makeEnumerator();

@@ -48,7 +48,10 @@ class LatticeSearch : public SearchState<Z>, public StopToken {
   [[nodiscard]] bool exportSides(const Relaxation<Z>& relaxation);
   [[nodiscard]] LatticeEnd search(Relaxation<Z>& relaxation, bool mayNarrow);
   [[nodiscard]] NodeState cutRoot(Relaxation<Z>& relaxation);
-  [[nodiscard]] LatticeEnd searchRounds();
+  [[nodiscard]] LatticeEnd searchRounds(Relaxation<Z>& relaxation);
+  void plant(Relaxation<Z>& relaxation);
+  [[nodiscard]] bool isStuck(std::int64_t round) const;
+  [[nodiscard]] NodeState replant(Relaxation<Z>& relaxation);
   [[nodiscard]] std::unique_ptr<Enumerator> makeEnumerator();
   void enter(const char* phase);
   void report();

@@ -58,6 +58,11 @@ RunEnd Tree<Z>::run(std::int64_t budget) {
 }
 
 template <typename Z>
+void Tree<Z>::learnFrom(const Tree& other) {
+  std::copy_n(other.pseudoCosts.begin(), forms.count, pseudoCosts.begin());
+}
+
+template <typename Z>
 void Tree<Z>::abandon() {
   if (!frames.empty()) relaxation.undo(frames.front().trail);
   frames.clear();

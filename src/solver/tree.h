@@ -23,6 +23,9 @@ class Tree {
   Tree(const FormSystem<Z>& formSystem, Relaxation<Z>& rootRelaxation, SearchState<Z>& searchState,
        StopToken& stopToken);
 
+  /// Takes over what another tree of the same forms has learned.
+  void learnFrom(const Tree& other);
+
   /// Goes on until about `budget` more work is counted. Exhausted: every wanted point was offered.
   /// Throws `Stopped`.
   [[nodiscard]] RunEnd run(std::int64_t budget);
