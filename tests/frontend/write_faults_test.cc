@@ -19,11 +19,6 @@ namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 using Texts = std::vector<std::string>;
 
-/// Whatever ran the tests may have them ignored.
-void defaultSignals() {
-  for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGPIPE, SIGTERM}) std::signal(signal, SIG_DFL);
-}
-
 const std::string PROGRAM =
     "[ ] [ ] [ ] [ ] [ [ 1 1 ] ] [ -inf ] [ 99999 ] [ 0 0 ] [ 0 0 ] [ 9 99999 ]\n";
 const std::string STAR = "[ 1 2 ] | 0 | [ ] | 0 | -1 | --a=1 | 2.2.3\n";
@@ -35,7 +30,7 @@ class WriteFaults : public testing::Test {
  public:
   support::TemporaryFolder folder;
   fs::path sol = folder / "x.sol";
-  support::ToolRun tool{.folder = folder.path(), .arguments = {"x.sol"}, .prepare = defaultSignals};
+  support::ToolRun tool{.folder = folder.path(), .arguments = {"x.sol"}};
 
   void SetUp() override { support::writeFile(folder / "x.opt", PROGRAM); }
 
