@@ -17,14 +17,14 @@ class Projection;
 class Probe {
  public:
   struct Multiple {
-    std::size_t item;
+    std::size_t item = 0;
     ZZ factor;
   };
   /// c q, q >= 0 being a parameter from one of its bounds, or the distance of an item from its own.
   struct Term {
-    std::size_t index;
-    bool isItem;
-    bool fromUpper;
+    std::size_t index = 0;
+    bool isItem = false;
+    bool fromUpper = false;
     ZZ c;
   };
 

@@ -98,7 +98,7 @@ class Search : public StopToken {
       if (ray.MN > 0 && takeAnyPoint()) return answerAlong(ray);
     }
     const Model whole = model;
-    const Outcome outcome = answerBox();
+    Outcome outcome = answerBox();
     if (outcome.limitation.empty()) return outcome;
     model = whole;
     if (!boundByPrograms(model, *this)) return outcome;
