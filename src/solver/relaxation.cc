@@ -412,7 +412,7 @@ Z Relaxation<Z>::rounded(std::size_t item) const {
 template <typename Z>
 Z Relaxation<Z>::roundedDown(std::size_t item) const {
   const double value = dictionary.value(item);
-  const Z high = upper(item) - Z(1);
+  Z high = upper(item) - Z(1);
   if (!(value > toDouble(lower(item)))) return lower(item);
   if (!(value < toDouble(high))) return high;
   return std::clamp(nearestInteger<Z>(vexil::solver::roundedDown(value)), lower(item), high);

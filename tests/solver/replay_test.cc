@@ -36,13 +36,14 @@ ZZ least(const ZZ& a, const ZZ& b) { return a < b ? a : b; }
 ZZ most(const ZZ& a, const ZZ& b) { return a < b ? b : a; }
 
 /// Numbers of doubles in a common power of two: what they say of forms does not depend on it.
-std::vector<ZZ> inUnits(std::vector<double> numbers) {
+std::vector<ZZ> inUnits(const std::vector<double>& numbers) {
   double greatest = 0;
   for (const double x : numbers) greatest = std::max(greatest, std::fabs(x));
   double scale = 1;
   for (; greatest > 0 && greatest * scale < 0x1p200; scale *= 2) {
   }
   std::vector<ZZ> result;
+  result.reserve(numbers.size());
   for (const double x : numbers) result.push_back(nearestInteger<ZZ>(x * scale));
   return result;
 }
@@ -172,7 +173,7 @@ class Replay : public Probe, public Listener {
     const bool isAtBest =
         best && items.objective != NONE &&
         (signOf(step) == 0 || most(proved, boxes[items.objective].low) > *best - step);
-    EXPECT_TRUE(frames.size() > 0 && (frames.front().isEmpty || isAtBest));
+    EXPECT_TRUE(!frames.empty() && (frames.front().isEmpty || isAtBest));
   }
 
   void round(const std::vector<Term>& terms, const ZZ& r, const ZZ& divisor) override {
@@ -322,7 +323,7 @@ class Replay : public Probe, public Listener {
       boxes[item].low = residue + ceilDivide<ZZ>(boxes[item].low - residue, step) * step;
     }
     if (boxes[item].low == old.low && boxes[item].high == old.high) return false;
-    trail.push_back({item, old});
+    trail.emplace_back(item, old);
     if (boxes[item].isEmpty()) frames.back().isEmpty = true;
     for (std::size_t g = 0; g < items.goalForm.size(); ++g) {
       if (items.goalForm[g] != item) continue;
