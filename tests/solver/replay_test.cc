@@ -93,6 +93,8 @@ class Replay : public Probe, public Listener {
         EXPECT_TRUE(isFirst || (cut != cuts.end() && cut->second <= items.upper[i]));
       }
     }
+    for (const Interval& box : boxes)
+      frames.back().isEmpty = frames.back().isEmpty || box.isEmpty();
     if (isFirst) checkCoset();
     trail.clear();
   }
