@@ -81,20 +81,6 @@ struct Checked : Engine<Pair> {
   }
 };
 
-/// The best target norm among the stars, which a replay keeps, or all of them without targets.
-template <typename Pair>
-std::set<std::string> keptAtReplay(const Checked<Pair>& engine) {
-  std::set<std::string> kept;
-  for (const auto& star : engine.lattice.found.stars.elements()) {
-    Vector<typename Pair::T> x;
-    engine.lattice.lat2opt(star, x, true, false);
-    const bool best = engine.original.At.rowCount == 0 ||
-                      star.targetNorm == engine.lattice.found.bestTarget.targetNorm;
-    if (best) kept.insert(joined(x));
-  }
-  return kept;
-}
-
 /// Whether a loss of precision came up.
 template <typename Pair>
 bool check(const RandomProgram& random, int round) {
@@ -118,8 +104,10 @@ bool check(const RandomProgram& random, int round) {
     EXPECT_EQ(lattice.lat2opt(image, back, true, false), -1);
     engine.search();
     engine.checkStars();
-    const auto kept = keptAtReplay(engine);
+    // A replay keeps the best ones, or all of them without targets.
     const T bestNorm = lattice.found.bestTarget.targetNorm;
+    const bool isAimed = engine.original.At.rowCount > 0;
+    const auto kept = engine.starPoints(isAimed ? std::optional<T>(bestNorm) : std::nullopt);
     lattice.regenerate();
     const auto stars = engine.starPoints();
     const bool improved = lattice.found.bestTarget.targetNorm < bestNorm;

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdint>
 #include <limits>
 #include <random>
@@ -82,7 +83,7 @@ TEST(Integer, GoesToRealNumbersAndBack) {
 template <typename T>
 class IntegerRows : public testing::Test {
  protected:
-  static std::string product(const char* a, const char* b) {
+  static std::string product(const std::string& a, const std::string& b) {
     IntegerRow left;
     IntegerRow right;
     left.take(vector<T>("[ 1 1 1 1 ]"));  // is forgotten
@@ -96,30 +97,23 @@ using BothNumbers = testing::Types<dbl_t, QQ>;
 TYPED_TEST_SUITE(IntegerRows, BothNumbers);
 
 TYPED_TEST(IntegerRows, MultiplyUpToTheLimit) {
-  struct Case {
-    const char* a;
-    const char* b;
-    const char* product;
-  };
-  for (const Case& c : {Case{"[ 2 -3 5 ]", "[ 7 11 -13 ]", "-84"},
-                        {"[ 800000000000000000 -800000000000000000 800000000000000000 "
-                         "800000000000000000 800000000000000000 ]",
-                         "[ -1 1 -1 -1 -1 ]", "-4000000000000000000"},
-                        {"[ 800000000000000000 -800000000000000000 800000000000000000 "
-                         "800000000000000000 800000000000000000 ]",
-                         "[ -1 1 -1 -1 -2 ]", "too great"},
-                        {"[ 2000000000 2000000000 ]", "[ 1000000000 -1000000000 ]", "0"},
-                        {"[ 2000000000 2000000000 ]", "[ 1000000001 -1000000000 ]", "too great"},
-                        {"[ 2000000000 1 ]", "[ -1000000000 -1000000000 ]", "-2000000001000000000"},
-                        {"[ 1 2 ]", "[ 1 2 3 ]", "too great"},
-                        {"[ ]", "[ ]", "too great"},
-                        {"[ 800000000000000000 -800000000000000000 800000000000000000 "
-                         "800000000000000000 800000000000000000 -1 ]",
-                         "[ 0 0 0 0 0 0 ]", "not taken"},
-                        {"[ 10000000000000000000 ]", "[ 0 ]", "not taken"},
-                        {"[ 1 0.5 ]", "[ 1 1 ]", "not taken"},
-                        {"[ 1 -inf ]", "[ 1 1 ]", "not taken"}}) {
-    EXPECT_EQ(this->product(c.a, c.b), c.product) << c.a << c.b;
+  const std::string five =
+      "800000000000000000 -800000000000000000 800000000000000000 800000000000000000 "
+      "800000000000000000";
+  for (const auto& [a, b, expected] :
+       {std::array<std::string, 3>{"[ 2 -3 5 ]", "[ 7 11 -13 ]", "-84"},
+        {"[ " + five + " ]", "[ -1 1 -1 -1 -1 ]", "-4000000000000000000"},
+        {"[ " + five + " ]", "[ -1 1 -1 -1 -2 ]", "too great"},
+        {"[ 2000000000 2000000000 ]", "[ 1000000000 -1000000000 ]", "0"},
+        {"[ 2000000000 2000000000 ]", "[ 1000000001 -1000000000 ]", "too great"},
+        {"[ 2000000000 1 ]", "[ -1000000000 -1000000000 ]", "-2000000001000000000"},
+        {"[ 1 2 ]", "[ 1 2 3 ]", "too great"},
+        {"[ ]", "[ ]", "too great"},
+        {"[ " + five + " -1 ]", "[ 0 0 0 0 0 0 ]", "not taken"},
+        {"[ 10000000000000000000 ]", "[ 0 ]", "not taken"},
+        {"[ 1 0.5 ]", "[ 1 1 ]", "not taken"},
+        {"[ 1 -inf ]", "[ 1 1 ]", "not taken"}}) {
+    EXPECT_EQ(this->product(a, b), expected) << a << b;
   }
   IntegerRow row;
   EXPECT_FALSE(row.isTaken());

@@ -22,6 +22,17 @@ class GramSchmidtData : public testing::Test {
     return data;
   }
 
+  /// What the data hold is what exact arithmetic makes of the basis.
+  static void expectExact(const auto& data, const Matrix<typename Pair::T>& B,
+                          const ExactGramSchmidt& exact) {
+    for (std::int64_t i = 1; i <= B.rowCount; ++i) {
+      EXPECT_LT(difference(data.bstar[i], exact.bstar[i]), 1e-9);
+      EXPECT_EQ(data.rowNorm[i], B[i] * B[i]);
+      for (std::int64_t j = 1; j <= B.rowCount; ++j)
+        EXPECT_LT(difference(data.mu[i][j], exact.mu[i][j]), 1e-9);
+    }
+  }
+
   static double difference(const typename Pair::U& a, const QQ& b) {
     return static_cast<double>(numberAs<dbl_t>(abs(numberAs<QQ>(a) - b)));
   }
@@ -40,14 +51,7 @@ TYPED_TEST(GramSchmidtData, AgreeInAllThreeWays) {
     EXPECT_TRUE(recurrence.updateGramSchmidt(B, 1, 0));
     EXPECT_EQ(full.lqFullRows(B, 1, 0, true), 0);
     EXPECT_EQ(reduced.lqReducedRows(B, 1, 0, true), 0);
-    for (auto* const data : {&recurrence, &full, &reduced}) {
-      for (std::int64_t i = 1; i <= B.rowCount; ++i) {
-        EXPECT_LT(this->difference(data->bstar[i], exact.bstar[i]), 1e-9);
-        EXPECT_EQ(data->rowNorm[i], B[i] * B[i]);
-        for (std::int64_t j = 1; j <= B.rowCount; ++j)
-          EXPECT_LT(this->difference(data->mu[i][j], exact.mu[i][j]), 1e-9);
-      }
-    }
+    for (auto* const data : {&recurrence, &full, &reduced}) this->expectExact(*data, B, exact);
     for (std::int64_t i = 1; i <= B.rowCount; ++i) {
       EXPECT_EQ(words(recurrence.rowState[i], full.rowState[i], reduced.rowState[i]), "2 14 22");
       for (std::int64_t j = 1; j <= B.columnCount; ++j)
@@ -86,13 +90,7 @@ TYPED_TEST(GramSchmidtData, FollowTheOperationsOnRows) {
     auto data = this->fresh(B);
     for (int step = 0; step < 200; ++step) {
       ASSERT_TRUE(data.updateGramSchmidt(B, 1, 0));
-      const ExactGramSchmidt exact(B);
-      for (std::int64_t i = 1; i <= B.rowCount; ++i) {
-        EXPECT_EQ(data.rowNorm[i], B[i] * B[i]);
-        EXPECT_LT(this->difference(data.bstar[i], exact.bstar[i]), 1e-9);
-        for (std::int64_t j = 1; j <= B.rowCount; ++j)
-          EXPECT_LT(this->difference(data.mu[i][j], exact.mu[i][j]), 1e-9) << step;
-      }
+      this->expectExact(data, B, ExactGramSchmidt(B));
       const std::int64_t k = 2 + below(B.rowCount - 1);
       if (step % 3 == 0) {
         const std::int64_t other = step % 2 == 0 ? k - 1 : 1 + below(k - 1);

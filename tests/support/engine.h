@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <optional>
 #include <set>
 #include <string>
 
@@ -51,10 +52,11 @@ struct Engine {
     return result;
   }
 
-  /// The points of the accepted stars.
-  [[nodiscard]] std::set<std::string> starPoints() const {
+  /// The points of the accepted stars, or of those with the norm.
+  [[nodiscard]] std::set<std::string> starPoints(const std::optional<T>& norm = {}) const {
     std::set<std::string> points;
     for (const auto& star : lattice.found.stars.elements()) {
+      if (norm && star.targetNorm != *norm) continue;
       Vector<T> x;
       EXPECT_EQ(lattice.lat2opt(star, x, true, false), 1);
       points.insert(joined(x));

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "support/parsed.h"
+#include "support/programs.h"
 
 namespace vexil::support {
 
@@ -219,17 +219,6 @@ std::string RandomProgram::optText() const {
          bounds(true);
 }
 
-Vexil<QQ> RandomProgram::program() const {
-  std::stringstream in(optText());
-  Vexil<QQ> result;
-  for (Serializable* item : std::initializer_list<Serializable*>{
-           &result.dt, &result.At, &result.Ag, &result.bg, &result.Au, &result.lu, &result.ru,
-           &result.dx, &result.lx, &result.rx}) {
-    skipChars(in, BLANKS, true);
-    item->read(in);
-  }
-  result.kt = result.dt;
-  return result;
-}
+Vexil<QQ> RandomProgram::program() const { return programOf<QQ>(optText()); }
 
 }  // namespace vexil::support
