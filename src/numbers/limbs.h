@@ -70,9 +70,6 @@ void subtract(Limb* r, const Limb* a, Index an, const Limb* b, Index bn) {
 /// q = a / divisor on `n` limbs, 0 < divisor < BASE^2; returns the remainder. `q` may be `a`.
 Word divideSmall(Limb* q, const Limb* a, Index n, Word divisor);
 
-/// The remainder of a / divisor, as `divideSmall` returns it.
-[[nodiscard]] Word remainderSmall(const Limb* a, Index n, Word divisor);
-
 /// r = a * b on an + bn limbs; an, bn >= 1. `r` may begin where an operand does. Karatsuba and
 /// Ofman, 1962, on top of the schoolbook product.
 void multiply(Limb* r, const Limb* a, Index an, const Limb* b, Index bn);
@@ -90,6 +87,10 @@ struct Combination {
   Limb D = 1;
 };
 void combine(Limb* u, Limb* v, Index n, const Combination& by);
+
+/// Replaces (u, v) by (A u + B v, D v) on `n` limbs, for factors below BASE^2 whose results fit.
+/// `n` is even.
+void addScaled(Limb* u, Limb* v, Index n, Word A, Word B, Word D);
 
 /// Divides by 10^digits, dropping the remainder, and returns the number of limbs that are left.
 Index dropDigits(Limb* a, Index n, Index digits);

@@ -91,7 +91,7 @@ Word divideSmall(Limb* q, const Limb* a, Index n, Word divisor) {
   }
   for (Index i = n - 2; i >= 0; i -= 2) {
     const Word pair = word(a[i]) + word(a[i + 1]) * WORD_BASE;
-    const auto step = by.divide(static_cast<DoubleWord>(rest) * word(WIDE) + pair);
+    const auto step = by.divideNext(rest, pair);
     const Limb digit = limb(step.quotient);
     split(q + i, 2, &digit);
     rest = step.rest;
@@ -99,32 +99,24 @@ Word divideSmall(Limb* q, const Limb* a, Index n, Word divisor) {
   return rest;
 }
 
-/// Four pairs of limbs at a time, each times the remainder of its power, modulo a multiple of the
-/// divisor that is at least WIDE / 2: their sum has a quotient of one word.
-Word remainderSmall(const Limb* a, Index n, Word divisor) {
-  constexpr Index PAIRS = 4;
-  const Word modulus = word(WIDE) / divisor * divisor;
-  const Divider by(modulus);
+Modulus::Modulus(Word divisor) : divisor_(divisor), by_(word(WIDE) / divisor * divisor) {
+  for (std::size_t i = 1; i <= PAIRS; ++i) {
+    powers_[i] = by_.divideNext(static_cast<Word>(powers_[i - 1]), 0).rest;
+  }
+}
+
+Word Modulus::remainder(const Limb* a, Index n) const {
   const auto pair = [&](Index i) { return word(a[i]) + word(a[i + 1]) * WORD_BASE; };
   Word rest = 0;
   if (n % 2 != 0) rest = word(a[--n]);
-  const auto step = [&](Index i) {
-    rest = by.divide(static_cast<DoubleWord>(rest) * word(WIDE) + pair(i)).rest;
-  };
-  for (; n % (2 * PAIRS) != 0; n -= 2) step(n - 2);
-  if (n <= 4 * PAIRS) {
-    for (; n > 0; n -= 2) step(n - 2);
-    return rest % divisor;
-  }
-  std::array<DoubleWord, PAIRS + 1> powers{1, word(WIDE) - modulus};
-  for (std::size_t i = 2; i <= PAIRS; ++i) powers[i] = by.divide(powers[i - 1] * word(WIDE)).rest;
+  for (; n % (2 * PAIRS) != 0; n -= 2) rest = by_.divideNext(rest, pair(n - 2)).rest;
   for (; n > 0; n -= 2 * PAIRS) {
     const Index i = n - 2 * PAIRS;
-    rest = by.divide(rest * powers[4] + pair(i + 6) * powers[3] + pair(i + 4) * powers[2] +
-                     pair(i + 2) * powers[1] + pair(i))
+    rest = by_.divide(rest * powers_[4] + pair(i + 6) * powers_[3] + pair(i + 4) * powers_[2] +
+                      pair(i + 2) * powers_[1] + pair(i))
                .rest;
   }
-  return rest % divisor;
+  return rest % divisor_;
 }
 
 void divide(Limb* q, Limb* rest, const Limb* a, Index an, const Limb* b, Index bn) {
@@ -154,6 +146,20 @@ void combine(Limb* u, Limb* v, Index n, const Combination& by) {
     uCarry = signedCarryOf(by.A * x + by.B * y + uCarry, digit);
     split(u + i, 2, &digit);
     vCarry = signedCarryOf(by.C * x + by.D * y + vCarry, digit);
+    split(v + i, 2, &digit);
+  }
+}
+
+void addScaled(Limb* u, Limb* v, Index n, Word A, Word B, Word D) {
+  Word uCarry = 0;
+  Word vCarry = 0;
+  for (Index i = 0; i < n; i += 2) {
+    const DoubleWord x = word(u[i]) + word(u[i + 1]) * WORD_BASE;
+    const DoubleWord y = word(v[i]) + word(v[i + 1]) * WORD_BASE;
+    Limb digit = 0;
+    uCarry = lateCarryOf(A * x + B * y, uCarry, digit);
+    split(u + i, 2, &digit);
+    vCarry = lateCarryOf(D * y, vCarry, digit);
     split(v + i, 2, &digit);
   }
 }

@@ -100,16 +100,14 @@ void carryFraction(QQ& r) {
 /// Adds numerator / denominator, a proper reduced fraction, to the fraction of r; a one that is
 /// carried goes to the whole part. Until then the numerator can be one limb longer.
 void addToFraction(QQ& r, Word numerator, Word denominator) {
-  const Word common = gcdWord(denominator, remainder(r.nenner, denominator));
+  const limbs::Modulus modulus(denominator);
+  const Word common = gcdWord(denominator, remainder(r.nenner, modulus));
   if (common > 1) divideExactly(r.nenner, common);
-  const limbs::Combination sum = {.A = limbs::limb(denominator / common),
-                                  .B = limbs::limb(numerator),
-                                  .C = 0,
-                                  .D = limbs::limb(denominator)};
-  combine(r.zaehler, r.nenner, std::max(r.zaehler.MN, r.nenner.MN) + WORD_LIMBS + 1, sum);
+  addScaled(r.zaehler, r.nenner, std::max(r.zaehler.MN, r.nenner.MN) + WORD_LIMBS + 1,
+            denominator / common, numerator, denominator);
   carryFraction(r);
   if (common == 1 || isZero(r.zaehler)) return;
-  const Word divisor = gcdWord(common, remainder(r.zaehler, common));
+  const Word divisor = gcdWord(common, remainder(r.zaehler, modulus));
   if (divisor == 1) return;
   divideExactly(r.zaehler, divisor);
   divideExactly(r.nenner, divisor);

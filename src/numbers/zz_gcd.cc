@@ -1,6 +1,7 @@
 // Vexil - exact integer optimization on lattices.
 #include <algorithm>
 #include <bit>
+#include <cstdlib>
 #include <utility>
 
 #include "numbers/zz.h"
@@ -83,6 +84,24 @@ Steps certainSteps(DoubleWord u, DoubleWord v) {
                                  2 + (steps.D >> shift)));
 }
 
+/// Puts zero limbs on top, up to `n` limbs.
+void extend(ZZ& a, Index n) {
+  const Index before = a.MN;
+  a.Array::resize(n, false);
+  std::fill(a.data + 1 + before, a.data + 1 + n, 0);
+}
+
+/// Calls `operation` with the limbs of both, `count` or one more, and drops zero limbs at the top.
+template <typename Operation>
+void onEvenLimbs(ZZ& u, ZZ& v, Index count, Operation operation) {
+  const Index even = count + count % 2;
+  extend(u, even);
+  extend(v, even);
+  operation(u.data + 1, v.data + 1, even);
+  u.MN = limbs::trimmed(u.data + 1, count);
+  v.MN = limbs::trimmed(v.data + 1, count);
+}
+
 /// One round for u >= v, v of more than WORD_LIMBS limbs.
 void shrink(ZZ& u, ZZ& v) {
   const Index n = u.MN;
@@ -93,28 +112,18 @@ void shrink(ZZ& u, ZZ& v) {
     div(u, v, quotient, u);
     return std::swap(u, v);
   }
-  combine(u, v, n, steps.combination());
-}
-
-/// Puts zero limbs on top, up to `n` limbs.
-void extend(ZZ& a, Index n) {
-  const Index before = a.MN;
-  a.Array::resize(n, false);
-  std::fill(a.data + 1 + before, a.data + 1 + n, 0);
+  const limbs::Combination by = steps.combination();
+  onEvenLimbs(u, v, n, [&](Limb* x, Limb* y, Index even) { limbs::combine(x, y, even, by); });
 }
 
 }  // namespace
 
-void combine(ZZ& u, ZZ& v, Index count, const limbs::Combination& by) {
-  const Index even = count + count % 2;
-  extend(u, even);
-  extend(v, even);
-  limbs::combine(u.data + 1, v.data + 1, even, by);
-  u.MN = limbs::trimmed(u.data + 1, count);
-  v.MN = limbs::trimmed(v.data + 1, count);
+void addScaled(ZZ& u, ZZ& v, Index count, Word A, Word B, Word D) {
+  onEvenLimbs(u, v, count, [&](Limb* x, Limb* y, Index n) { limbs::addScaled(x, y, n, A, B, D); });
 }
 
-/// Stein's algorithm behind one step of Euclid's, which evens out different sizes.
+/// Stein's algorithm behind one step of Euclid's, which evens out different sizes; without branches
+/// on which number is greater, which could not be foreseen.
 Word gcdWord(Word a, Word b) {
   if (b == 0) return a;
   a %= b;
@@ -123,9 +132,9 @@ Word gcdWord(Word a, Word b) {
   a >>= std::countr_zero(a);
   b >>= std::countr_zero(b);
   while (a != b) {
-    const Word difference = a > b ? a - b : b - a;
-    b = std::min(a, b);
-    a = difference >> std::countr_zero(difference);
+    const Limb difference = limbs::limb(a - b);
+    b += limbs::word(std::min<Limb>(difference, 0));
+    a = limbs::word(std::abs(difference)) >> std::countr_zero(limbs::word(difference));
   }
   return a << shift;
 }

@@ -54,17 +54,20 @@ void assignDoubleWord(ZZ& a, DoubleWord value);
 inline void setZero(ZZ& a) { assignWord(a, 0); }
 
 /// The remainder of |a| / divisor, 0 < divisor < BASE^2.
+[[nodiscard]] inline Word remainder(const ZZ& a, const limbs::Modulus& modulus) {
+  return modulus.remainder(a.data + 1, limbCount(a));
+}
 [[nodiscard]] inline Word remainder(const ZZ& a, Word divisor) {
-  return limbs::remainderSmall(a.data + 1, limbCount(a), divisor);
+  return remainder(a, limbs::Modulus(divisor));
 }
 
 /// Divides by 0 < divisor < BASE^2, which leaves no remainder.
 void divideExactly(ZZ& a, Word divisor);
 
-/// Replaces (u, v) by (A u + B v, C u + D v), which are below BASE^count and not negative.
-void combine(ZZ& u, ZZ& v, Index count, const limbs::Combination& by);
+/// Replaces (u, v) by (A u + B v, D v), which are below BASE^count.
+void addScaled(ZZ& u, ZZ& v, Index count, Word A, Word B, Word D);
 
-/// The greatest common divisor of two words.
+/// The greatest common divisor of two words whose odd parts are below 2^63.
 [[nodiscard]] Word gcdWord(Word a, Word b);
 
 }  // namespace vexil

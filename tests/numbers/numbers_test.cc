@@ -153,12 +153,16 @@ TEST(QQ, ComputesWithFractions) {
       "12345678901/12345678900999999999 999999999999999998/999999999999999999 "
       "-999999999999999997/999999999999999998 999999999999999996/999999999999999997 ]");
   for (std::int64_t i = 1; i <= edges.MN; ++i) {
-    for (std::int64_t j = 1; j <= edges.MN; ++j) checkOperations(edges[i], edges[j]);
+    for (std::int64_t j = 1; j <= edges.MN; ++j) {
+      checkOperations(edges[i], edges[j]);
+      for (const QQ& factor : edges.elements()) checkOperations(edges[i] * factor, edges[j]);
+    }
   }
   for (int round = 0; round < 30000 && !HasFailure(); ++round) {
-    const int length = round % 20 == 0 ? 70 : (round % 3 == 0 ? 3 : 18);
+    const int length = round % 20 == 0 ? 70 + round % 200 : (round % 3 == 0 ? 3 : 18);
     const QQ a = randomRational(length);
-    checkOperations(a, randomRational(round % 2 == 0 ? length : 18));
+    const QQ b = randomRational(round % 40 == 0 ? length : 18);
+    checkOperations(round % 7 == 0 ? a * b : a, b);
   }
 }
 
