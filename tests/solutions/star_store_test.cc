@@ -309,7 +309,7 @@ String read(const std::string& text) {
 
 TEST(StrictSolReader, TakesWhatTheToolTakesAndNamesFaults) {
   for (const auto& [result, parts] : support::textCases("solutions/strict_sol_files.txt"))
-    EXPECT_EQ(read(parts[0]).trimRight(" "), result) << parts[0];
+    EXPECT_EQ(std::string(read(parts[0]).trimRight(" ")), result) << parts[0];
   EXPECT_EQ(read(""), "");
   EXPECT_EQ(read("[ \a" + std::string(50, '1') + "]"),
             "x.sol:1: field 1: not a number: ?" + std::string(39, '1') + "...");
