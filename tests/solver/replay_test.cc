@@ -492,7 +492,8 @@ TEST_P(ReplayTest, ComesToTheRightEndByValidSteps) {
   const auto [name, enumerates, isDisturbed, isLong] = GetParam();
   const QQ factor = isLong ? QQ("1e30") : QQ(1);
   Replay::Counts counts;
-  for (std::uint64_t seed = 20000; seed < 20500 && !HasFailure(); ++seed) {
+  for (std::uint64_t seed = 20000; seed < 20000 + 500 * support::rounds() && !HasFailure();
+       ++seed) {
     const support::RandomProgram random(seed);
     SCOPED_TRACE(seed);
     Vexil<QQ> program = random.program();
