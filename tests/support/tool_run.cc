@@ -25,6 +25,9 @@ using Clock = std::chrono::steady_clock;
   throw std::system_error(errno, std::generic_category(), what);
 }
 
+/// Names older than this program are of ended processes, whose numbers the system may use again.
+const auto BEGIN = std::filesystem::file_time_type::clock::now() - std::chrono::seconds(1);
+
 /// Appends what there is to read; false at the end of the pipe.
 bool drain(int pipe, std::string& text) {
   std::array<char, 65536> buffer{};
@@ -63,7 +66,10 @@ std::vector<std::string> semaphoreNames(pid_t process) {
   std::vector<std::string> names;
   for (const auto& entry : std::filesystem::directory_iterator("/dev/shm")) {
     std::string name = entry.path().filename();
-    if (name.starts_with(prefix)) names.push_back(std::move(name));
+    std::error_code gone;
+    if (name.starts_with(prefix) && entry.last_write_time(gone) >= BEGIN) {
+      names.push_back(std::move(name));
+    }
   }
   return names;
 }
